@@ -1,0 +1,7 @@
+// Start-up: the application object and its one main window.
+#include <QApplication>
+
+int main(int argc, char* argv[]) {
+    const QApplication application(argc, argv);
+    return QApplication::exec();
+}
