@@ -1,11 +1,14 @@
-// The steady driver of a 2D case.
+// The steady and the transient driver of a 2D case.
 #include "solver2d/drivers.h"
 
+#include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
 #include "mesh/run_gate.h"
+#include "output/history_file.h"
 #include "output/result_file.h"
 #include "output/terminal.h"
 #include "solver2d/checks.h"
+#include "solver2d/enthalpy.h"
 #include "solver2d/time_step.h"
 
 #include <cstdint>
@@ -58,6 +61,20 @@ bool canRun(int saveInterval) {
     return true;
 }
 
+void setThreads(unsigned threads) {
+    if (threads > 0)
+        omp_set_num_threads(static_cast<int>(threads));
+}
+
+QString baseName(const QString& fileName) {
+    return QString(fileName).remove(".dat");
+}
+
+void sayEnd(std::clock_t start) {
+    appendTerminalLine("Compute done");
+    appendTerminalLine("time=" + QString::number(static_cast<qlonglong>(std::clock() - start)));
+}
+
 /// One run of the steady driver: where its files go and when it reports.
 struct SteadyRun {
     double tolU;
@@ -78,6 +95,40 @@ struct SteadyRun {
     }
 };
 
+double fourierNumber(int n) {
+    const CaseSettings& s = caseSettings;
+    return n * s.dt * s.alpha / s.L / s.L;
+}
+
+/// The mean liquid fraction and the mean temperature over time.
+class Histories {
+public:
+    explicit Histories(const QString& base)
+        : m_fractionFile(base + "_fl.txt"), m_meanFile(base + "_Tave.txt") {}
+
+    /// Deliberate: the sums are never set back. After a report they hold the printed means, and the next
+    /// report adds the new area-weighted sums to them and divides by the grown area.
+    void report(int n) {
+        const RunHold hold;
+        for (const CellRecord& cell : mesh.cells2D) {
+            m_fraction += cell.area * liquidFraction(cell.H);
+            m_temperature += cell.area * cell.T;
+            m_area += cell.area;
+        }
+        m_fraction /= m_area;
+        m_temperature /= m_area;
+        m_fractionFile.append(fourierNumber(n), m_fraction);
+        m_meanFile.append(fourierNumber(n), m_temperature);
+    }
+
+private:
+    HistoryFile m_fractionFile;
+    HistoryFile m_meanFile;
+    double m_fraction = 0.0;
+    double m_temperature = 0.0;
+    double m_area = 0.0;
+};
+
 } // namespace
 
 bool runSteady2D(MainWindow*, unsigned threads, double tolU, double tolT, int steps, int saveInterval,
@@ -85,9 +136,8 @@ bool runSteady2D(MainWindow*, unsigned threads, double tolU, double tolT, int st
     if (!canRun(saveInterval))
         return false;
     const std::clock_t start = std::clock();
-    const SteadyRun run{tolU, tolT, saveInterval, QString(fileName).remove(".dat")};
-    if (threads > 0)
-        omp_set_num_threads(static_cast<int>(threads));
+    const SteadyRun run{tolU, tolT, saveInterval, baseName(fileName)};
+    setThreads(threads);
 
     const bool untilConverged = steps == 0;
     std::int64_t n = 0;
@@ -110,8 +160,36 @@ bool runSteady2D(MainWindow*, unsigned threads, double tolU, double tolT, int st
     if (foundNaN())
         return false;
     converged(tolU, tolT, n);
-    appendTerminalLine("Compute done");
-    appendTerminalLine("time=" + QString::number(static_cast<qlonglong>(std::clock() - start)));
+    sayEnd(start);
+    return true;
+}
+
+bool runTransient2D(MainWindow*, unsigned threads, int steps, int saveInterval, const QString& fileName) {
+    constexpr int historyInterval = 100;
+    if (!canRun(saveInterval))
+        return false;
+    const std::clock_t start = std::clock();
+    const QString base = baseName(fileName);
+    const auto resultFile = [&base](int n) {
+        return base + "_" + QString::number(fourierNumber(n)) + ".dat";
+    };
+    Histories histories(base);
+    setThreads(threads);
+
+    int n = 0;
+    for (; n < steps; ++n) {
+        if (stopRequested())
+            return false;
+        stepHoldingGate();
+        if (n % historyInterval == 0)
+            histories.report(n);
+        if (n % saveInterval == 0) {
+            appendTerminalLine("time=" + QString::number(n));
+            saveInstant(resultFile(n));
+        }
+    }
+    saveInstant(resultFile(n));
+    sayEnd(start);
     return true;
 }
 
