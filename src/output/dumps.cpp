@@ -108,7 +108,7 @@ std::size_t shownFaces(std::size_t recordCount) {
 bool dumpPoints() {
     std::string text;
     const bool is3D = caseSettings.is3D;
-    const std::size_t count = is3D ? mesh.pointZ.size() : mesh.pointX.size(); // a 2D mesh has no z
+    const std::size_t count = is3D ? mesh.pointZ.size() : mesh.pointX.size();
     for (std::size_t i = 0; i < count; ++i) {
         text += "point ";
         appendNumber(text, mesh.pointX[i]);
