@@ -1,0 +1,63 @@
+// Gathers the constants of a step.
+#include "solver2d/step_constants.h"
+
+#include "dialogs/case_settings.h"
+
+namespace fluvane {
+
+namespace {
+
+CollisionFactors collisionFactors(double tau, double dt) {
+    return {(2.0 * tau - dt) / (2.0 * tau + dt), 2.0 * dt / (2.0 * tau + dt),
+            2.0 * tau * dt / (2.0 * tau + dt)};
+}
+
+RecoveryFactors recoveryFactors(double tau, double h) {
+    return {2.0 * tau / (2.0 * tau + h), h / (2.0 * tau + h), tau * h / (2.0 * tau + h)};
+}
+
+HeatForm heatForm(const CaseSettings& s) {
+    if (!s.heatOn)
+        return HeatForm::off;
+    if (s.thermalMode == 0)
+        return HeatForm::temperature;
+    return s.lftfOn ? HeatForm::enthalpyLftf : HeatForm::enthalpy;
+}
+
+} // namespace
+
+StepConstants stepConstants2D() {
+    const CaseSettings& s = caseSettings;
+    StepConstants c;
+    c.velocityCount = velocitySet.velocityCount;
+    for (std::size_t k = 0; k < static_cast<std::size_t>(VelocitySet::capacity); ++k) {
+        const Vec2 xi = velocitySet.xi2D[k];
+        c.xi[0][k] = xi.x;
+        c.xi[1][k] = xi.y;
+        c.weights[k] = velocitySet.weights[k];
+        c.opposite[k] = velocitySet.opposite[k];
+        c.momentFactors[k][0] = 1.0;
+        c.momentFactors[k][1] = xi.x;
+        c.momentFactors[k][2] = xi.y;
+    }
+    c.flowOn = s.flowOn != 0;
+    c.heat = heatForm(s);
+    c.buoyancyOn = s.buoyancyOn;
+    c.buoyancyCoeff = s.buoyancyCoeff;
+    c.heatSource = s.heatSource;
+    c.dt = s.dt;
+    c.halfStep = s.dt / 2.0;
+    c.quarterStep = s.dt / 4.0;
+    c.RT = s.RT;
+    c.alpha = s.alpha;
+    c.tauG = s.tauG;
+    c.polynomial = polynomialFactors(s.RT);
+    c.collideF = collisionFactors(s.tauF, s.dt);
+    c.collideG = collisionFactors(s.tauG, s.dt);
+    c.recoverF = recoveryFactors(s.tauF, c.halfStep);
+    c.recoverG = recoveryFactors(s.tauG, c.halfStep);
+    c.relation = enthalpyRelation(s);
+    return c;
+}
+
+} // namespace fluvane
