@@ -75,10 +75,6 @@ MainWindow::MainWindow(QWidget* parent)
     connectSetUp();
     connectRun();
     connectDumpsAndHelp();
-    for (QWidget* const dialog :
-         std::initializer_list<QWidget*>{boundaryWizard.get(), latticeDialog.get(), physicsDialog.get(),
-                                         runControl.get(), dimensionDialog.get(), boundaryWizard3D.get()})
-        dialog->installEventFilter(this);
 }
 
 MainWindow::~MainWindow() {
@@ -138,9 +134,12 @@ void MainWindow::connectRun() {
 }
 
 void MainWindow::connectDumpsAndHelp() {
-    connect(ui->actionCell, &QAction::triggered, this, [this] { dump(fluvane::dumpCells); });
-    connect(ui->actionFace, &QAction::triggered, this, [this] { dump(fluvane::dumpFaces); });
-    connect(ui->actionPoint, &QAction::triggered, this, [this] { dump(fluvane::dumpPoints); });
+    connect(ui->actionCell, &QAction::triggered, this,
+            [this] { dump(fluvane::dumpCells, QStringLiteral("cell.txt")); });
+    connect(ui->actionFace, &QAction::triggered, this,
+            [this] { dump(fluvane::dumpFaces, QStringLiteral("face.txt")); });
+    connect(ui->actionPoint, &QAction::triggered, this,
+            [this] { dump(fluvane::dumpPoints, QStringLiteral("point.txt")); });
     connect(ui->actionHelp, &QAction::triggered, help.get(), &QWidget::show);
     connect(ui->actionVersion, &QAction::triggered, version.get(), &QWidget::show);
     connect(help.get(), &HELP_Win::ok, help.get(), &QWidget::hide);
@@ -175,9 +174,8 @@ void MainWindow::Open_velocity_file() {
     if (refusedWhileRunning())
         return;
     fluvane::takeProblems();
-    const QString path =
-        askToOpen(QStringLiteral("Velocity file"),
-                  caseSettings.is3D ? QStringLiteral("*.3Dv") : QStringLiteral("*.2Dv"));
+    const QString path = askToOpen(QStringLiteral("Velocity file"),
+                                   caseSettings.is3D ? QStringLiteral("*.3Dv") : QStringLiteral("*.2Dv"));
     if (path.isNull() || !fluvane::readVelocityFile(path)) {
         say(QStringLiteral("Please select the velocity file"), QStringLiteral("Error"));
         return;
@@ -301,7 +299,7 @@ bool MainWindow::refusedToRun(int Terminal) {
     QString reason;
     if (caseSettings.is3D)
         reason = QStringLiteral("Three-dimensional cases are not supported yet in this version");
-    else if (!mesh.matchesVelocitySet())
+    else if (mesh.cellCount > 0 && !mesh.matchesVelocitySet())
         reason = QStringLiteral("The velocity file was read after the mesh; please open the mesh again");
     else if (Terminal < 1)
         reason = QStringLiteral("Terminal must be at least 1");
@@ -325,14 +323,18 @@ void MainWindow::Start_compute(int Process, double Error_U, double Error_T, int 
         refusedWhileRunning();
 }
 
-void MainWindow::dump(void (*write)()) {
+void MainWindow::dump(bool (*write)(), const QString& file) {
     if (!caseSettings.meshLoaded) {
         say(QStringLiteral("Cannot found the mesh file"), QStringLiteral("Wrong"));
         return;
     }
     const WaitCursor waiting;
-    const fluvane::VisitorHold hold;
-    write();
+    const bool written = [write] {
+        const fluvane::VisitorHold hold;
+        return write();
+    }();
+    if (!written)
+        fluvane::appendTerminalLine(file + QStringLiteral(": could not be written"));
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -341,24 +343,4 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     hide();
     // Also with a help window still open.
     QCoreApplication::quit();
-}
-
-bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-    // A set-up window closed by its frame is a set-up cancelled; nothing would be left on the screen else.
-    if (event->type() != QEvent::Close)
-        return QMainWindow::eventFilter(watched, event);
-    event->ignore();
-    if (watched == boundaryWizard.get())
-        emit boundaryWizard->cancel();
-    else if (watched == latticeDialog.get())
-        emit latticeDialog->cancel();
-    else if (watched == physicsDialog.get())
-        emit physicsDialog->cancel();
-    else if (watched == runControl.get())
-        emit runControl->cancel();
-    else if (watched == dimensionDialog.get())
-        emit dimensionDialog->cancel();
-    else if (watched == boundaryWizard3D.get())
-        emit boundaryWizard3D->cancel();
-    return true;
 }

@@ -47,7 +47,6 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void connectOpening();
@@ -58,7 +57,7 @@ private:
     void enterLattice();
     void enterBoundary();
     void enterCompute();
-    void dump(void (*write)());
+    void dump(bool (*write)(), const QString& file);
 
     void leave(QWidget* dialog);
     void say(const QString& body, const QString& title);

@@ -54,3 +54,9 @@ void NUM_Process_Win::Steady_or_transient() {
     ui->label_Error_T->setVisible(temperature);
     ui->lineEdit_Error_T->setVisible(temperature);
 }
+
+void NUM_Process_Win::closeEvent(QCloseEvent* event) {
+    if (isVisible())
+        emit cancel();
+    QWidget::closeEvent(event);
+}

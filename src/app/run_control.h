@@ -29,6 +29,10 @@ public slots:
     /// Shows the tolerances that the case as set up will use. Does not look at the dimension.
     void Steady_or_transient();
 
+protected:
+    /// Closing by the title bar is cancelling.
+    void closeEvent(QCloseEvent* event) override;
+
 private:
     void confirm();
 

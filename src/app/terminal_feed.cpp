@@ -29,7 +29,8 @@ void TerminalFeed::take(const QString& line) {
     if (onPaneThread)
         drain(); // with what other threads said before it
     else if (post)
-        QMetaObject::invokeMethod(&m_receiver, [this] { drain(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            &m_receiver, [this] { drain(); }, Qt::QueuedConnection);
 }
 
 void TerminalFeed::drain() {

@@ -17,12 +17,8 @@ struct Vortex {
 };
 
 /// Alternating rows behind a body at the left, in pixels.
-constexpr std::array<Vortex, 6> vortices{{{70, 150, -46},
-                                          {165, 250, 52},
-                                          {270, 150, -56},
-                                          {375, 250, 58},
-                                          {485, 150, -58},
-                                          {595, 250, 58}}};
+constexpr std::array<Vortex, 6> vortices{
+    {{70, 150, -46}, {165, 250, 52}, {270, 150, -56}, {375, 250, 58}, {485, 150, -58}, {595, 250, 58}}};
 
 /// Stream function of a uniform stream and of vortices with a solid core, with its gradient.
 struct Stream {
