@@ -1,6 +1,7 @@
 // The main window: menus, counts, terminal pane, and the order in which a case is prepared and run.
 #include "app/main_window.h"
 
+#include "app/fit_label.h"
 #include "app/help.h"
 #include "app/run_control.h"
 #include "app/run_task.h"
@@ -217,6 +218,8 @@ void MainWindow::showMesh() {
     ui->labelnumcell->setText(QStringLiteral("Num of Cell: %1").arg(mesh.cellCount));
     ui->labelnumface->setText(QStringLiteral("Num of Face: %1").arg(mesh.totalFaceCount()));
     ui->labelnumpoint->setText(QStringLiteral("Num of Point: %1").arg(mesh.pointCount));
+    for (QLabel* const label : {ui->labelnumcell, ui->labelnumface, ui->labelnumpoint})
+        fitLabel(label, label->width());
     for (std::size_t zone = 0; zone < static_cast<std::size_t>(mesh.zoneCount); ++zone)
         fluvane::appendTerminalLine(mesh.zoneNames[zone]);
     // What the readers complained about must survive the clearing.

@@ -1,6 +1,7 @@
 // The run-control dialog: how many threads and steps, how tight, how often to report.
 #include "app/run_control.h"
 
+#include "app/fit_label.h"
 #include "dialogs/case_settings.h"
 #include "ui_run_control.h"
 
@@ -9,8 +10,7 @@
 
 namespace {
 
-/// Restricts typing only. Deliberate: the default "1e-9" is not acceptable to it as final input, and nothing
-/// asks whether it is.
+/// Restricts typing only; nothing asks on confirmation whether the text is acceptable.
 void restrictToTolerance(QLineEdit* field) {
     auto* const validator = new QDoubleValidator(0.0, 1e-6, 6, field);
     validator->setLocale(QLocale::c());
@@ -33,6 +33,12 @@ NUM_Process_Win::NUM_Process_Win(QWidget* parent)
     restrictToIntegers(ui->lineEdit_Terminal, 1, 100000);
     restrictToTolerance(ui->lineEdit_Error_U);
     restrictToTolerance(ui->lineEdit_Error_T);
+    // Two fields lie over the end of their label.
+    fitLabel(ui->label_Process, ui->label_Process->width());
+    fitLabel(ui->label_Time_Step, ui->lineEdit_Time_Step->x() - ui->label_Time_Step->x());
+    fitLabel(ui->label_Terminal, ui->label_Terminal->width());
+    fitLabel(ui->label_Error_U, ui->lineEdit_Error_U->x() - ui->label_Error_U->x());
+    fitLabel(ui->label_Error_T, ui->label_Error_T->width());
     connect(ui->pushButton_ok, &QPushButton::clicked, this, [this] { confirm(); });
     connect(ui->pushButton_cancel, &QPushButton::clicked, this, &NUM_Process_Win::cancel);
 }

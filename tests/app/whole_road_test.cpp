@@ -143,6 +143,17 @@ private slots:
         QVERIFY(shell.terminal().at(0).contains("inner") && shell.terminal().at(1).contains("outer"));
     }
 
+    void longCountsAreNotCutOff() {
+        Shell shell;
+        open(shell, squareMesh(110));
+        QCOMPARE(shell.text("labelnumpoint"), QString("Num of Point: 12321"));
+        for (const char* const name : {"labelnumcell", "labelnumface", "labelnumpoint"}) {
+            const auto* const label = shell.find<QLabel>(name);
+            QVERIFY2(label->fontMetrics().horizontalAdvance(label->text()) <= label->width(), name);
+            QCOMPARE(label->font().pointSize(), 12);
+        }
+    }
+
     void aSteadyRunReportsAndWritesItsFiles() {
         Shell shell;
         prepareCavity(shell);

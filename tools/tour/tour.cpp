@@ -190,7 +190,7 @@ private:
         choose("actionBoundary");
         QWidget& wizard = dialog("Boundary_Information_Win");
         for (int zone = 0; zone < 100 && !fluvane::caseSettings.boundaryInitialised; ++zone) {
-            const bool lid = part<QLabel>(&wizard, "labelBI")->text().contains(QStringLiteral("top"));
+            const bool lid = part<QLabel>(&wizard, "labelBI")->text().contains(QStringLiteral("lid"));
             type(wizard, "lineEdit_ux", lid ? QStringLiteral("1") : QStringLiteral("0"));
             type(wizard, "lineEdit_uy", QStringLiteral("0"));
             picture(wizard, QStringLiteral("boundary-%1").arg(zone));
