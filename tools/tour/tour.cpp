@@ -16,6 +16,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QTest>
 #include <QTextBrowser>
 #include <QThreadPool>
@@ -105,8 +106,9 @@ private:
     /// Runs inside the dialog's event loop, so trouble is only noted here.
     void answer() {
         QWidget* const modal = QApplication::activeModalWidget();
-        if (!modal || !modal->isVisible())
+        if (m_answering || !modal || !modal->isVisible())
             return;
+        const QScopedValueRollback<bool> answering(m_answering, true);
         if (auto* const box = qobject_cast<QMessageBox*>(modal)) {
             std::printf("  box \"%s\": %s\n", qPrintable(box->windowTitle()), qPrintable(box->text()));
             if (box->text() != QStringLiteral("Save Succeed"))
@@ -120,7 +122,10 @@ private:
                 return;
             }
             auto* const edit = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-            edit->setText(m_names.takeFirst());
+            const QFileInfo wanted(m_names.takeFirst());
+            files->setDirectory(wanted.path());
+            edit->setText(wanted.fileName());
+            QTest::qWait(200); // the list of files is filled by another thread
             picture(*files, files->windowTitle().toLower().replace(' ', '-'));
             QTest::keyClick(edit, Qt::Key_Return);
         }
@@ -235,6 +240,7 @@ private:
     QTimer m_poll;
     QStringList m_names;
     QString m_trouble;
+    bool m_answering = false;
     int m_pictures = 0;
 };
 
@@ -255,12 +261,15 @@ int main(int argc, char* argv[]) {
         std::fprintf(stderr, "cannot make the folder %s\n", qPrintable(output.path()));
         return 1;
     }
+    const QString outputFolder = output.absolutePath();
+    const QString casesFolder = QDir(arguments.at(1)).absolutePath();
+    QDir::setCurrent(casesFolder);
     mainWindow = new MainWindow;
     int code = 0;
     try {
-        Tour tour(arguments.at(1), output.path());
+        Tour tour(casesFolder, outputFolder);
         tour.walk();
-        std::printf("%d pictures: %s\nresults: %s\n", tour.pictures(), qPrintable(output.absolutePath()),
+        std::printf("%d pictures: %s\nresults: %s\n", tour.pictures(), qPrintable(outputFolder),
                     qPrintable(tour.resultFolder()));
     } catch (const Stumble& stumble) {
         std::fprintf(stderr, "the tour stopped: %s\n", stumble.what());
