@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QDoubleValidator>
 #include <QLabel>
 #include <QLineEdit>
 #include <QLocale>
@@ -17,9 +18,11 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QtTest>
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <future>
-#include <memory>
+#include <initializer_list>
 #include <thread>
 
 /// Everything process-wide as at start-up.
