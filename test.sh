@@ -6,4 +6,4 @@ cd -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")"
 tools/install-packages.sh
 cmake --preset release -DFLUVANE_WARNINGS_AS_ERRORS=ON
 cmake --build --preset release
-ctest --preset release "$@"
+ctest --preset release --parallel "$(nproc)" "$@"
