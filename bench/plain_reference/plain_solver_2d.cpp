@@ -179,21 +179,23 @@ void PlainSolver2D::collideCell(Cell& c) const {
 }
 
 void PlainSolver2D::computeCellGradients(Cell& c) const {
-    for (int k = 0; k < Q; ++k) {
-        if (flowOn) {
-            c.dfdx[k] = 0.0;
-            c.dfdy[k] = 0.0;
-            for (int j = 0; j < c.neighbourCount; ++j) {
-                const Cell& n = m_cells[static_cast<std::size_t>(c.neighbours[j])];
+    if (flowOn) {
+        std::fill_n(c.dfdx.get(), Q, 0.0);
+        std::fill_n(c.dfdy.get(), Q, 0.0);
+        for (int j = 0; j < c.neighbourCount; ++j) {
+            const Cell& n = m_cells[static_cast<std::size_t>(c.neighbours[j])];
+            for (int k = 0; k < Q; ++k) {
                 c.dfdx[k] += (c.fBarPlus[k] - n.fBarPlus[k]) * c.wx[j];
                 c.dfdy[k] += (c.fBarPlus[k] - n.fBarPlus[k]) * c.wy[j];
             }
         }
-        if (heatOn) {
-            c.dgdx[k] = 0.0;
-            c.dgdy[k] = 0.0;
-            for (int j = 0; j < c.neighbourCount; ++j) {
-                const Cell& n = m_cells[static_cast<std::size_t>(c.neighbours[j])];
+    }
+    if (heatOn) {
+        std::fill_n(c.dgdx.get(), Q, 0.0);
+        std::fill_n(c.dgdy.get(), Q, 0.0);
+        for (int j = 0; j < c.neighbourCount; ++j) {
+            const Cell& n = m_cells[static_cast<std::size_t>(c.neighbours[j])];
+            for (int k = 0; k < Q; ++k) {
                 c.dgdx[k] += (c.gBarPlus[k] - n.gBarPlus[k]) * c.wx[j];
                 c.dgdy[k] += (c.gBarPlus[k] - n.gBarPlus[k]) * c.wy[j];
             }
