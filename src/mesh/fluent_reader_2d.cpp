@@ -84,7 +84,7 @@ bool Reader2D::readMarkedLine() {
     if (!names)
         return true;
     if (m_namesRead || m_zoneEnds.empty())
-        return m_scan.refuse(QStringLiteral("one \"Zone Sections\" after the faces"), quoted(line));
+        return m_scan.refuse(QStringLiteral("one \"Zone Sections\" after the faces"), quotedText(line));
     m_namesRead = true;
     return m_scan.readZoneNames(m_zoneEnds.size() - 1, m_zoneNames);
 }
@@ -117,7 +117,7 @@ bool Reader2D::readNodes() {
         return m_scan.refuseAt(m_scan.lineNumber() + 1,
                                QStringLiteral("the end of the %1 nodes").arg(m_nodes.value) +
                                    FluentScan::originOf(m_nodes),
-                               quoted(m_scan.peek()));
+                               quotedText(m_scan.peek()));
     return true;
 }
 
@@ -146,7 +146,7 @@ bool Reader2D::readNode() {
 bool Reader2D::readInteriorFaces(std::string_view declaration, std::int64_t lineNumber) {
     if (m_total.line != 0 || m_nodes.line == 0)
         return m_scan.refuseForeign(QStringLiteral("one \"(13 (0\" after the \"Node Section\""),
-                                    quoted(declaration));
+                                    quotedText(declaration));
     if (!m_scan.readCount(declaration, lineNumber, m_scan.roomFor(shortestFaceLine),
                           QStringLiteral("what the rest of the file has room for"), m_total))
         return false;
@@ -161,7 +161,7 @@ bool Reader2D::readBoundaryZone() {
     if (m_zoneEnds.empty() || m_namesRead)
         return m_scan.refuseForeign(
             QStringLiteral("boundary zones between the interior faces and the zone names"),
-            quoted(m_scan.line()));
+            quotedText(m_scan.line()));
     if (m_zoneEnds.size() > static_cast<std::size_t>(Mesh::maxZones))
         return m_scan.refuse(QStringLiteral("at most %1 boundary zones").arg(Mesh::maxZones),
                              QStringLiteral("one more"));
@@ -231,7 +231,7 @@ bool Reader2D::checkFace(bool interior, const FaceLine& face) const {
         return m_scan.refuseForeign(
             QStringLiteral("a boundary face with 0 as the fourth number (all interior faces "
                            "stand in the first zone)"),
-            quoted(m_scan.line()));
+            quotedText(m_scan.line()));
     return true;
 }
 

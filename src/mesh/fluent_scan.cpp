@@ -69,7 +69,8 @@ QString FluentScan::originOf(const HeaderCount& count) {
         note = QStringLiteral("; upper-case letters count 0 there");
     else if (count.word.find_first_of("()") != std::string_view::npos)
         note = QStringLiteral("; a parenthesis is a zero digit there");
-    return QStringLiteral(" (line %1 says %2%3)").arg(QString::number(count.line), quoted(count.word), note);
+    return QStringLiteral(" (line %1 says %2%3)")
+        .arg(QString::number(count.line), quotedText(count.word), note);
 }
 
 std::int64_t FluentScan::roomFor(std::size_t bytesPerEntry) const {
@@ -95,9 +96,9 @@ bool FluentScan::readCount(std::string_view line, std::int64_t lineNumber, std::
     const QString expected =
         QStringLiteral("a last index of 0 to %1 as the fourth word (%2)").arg(QString::number(most), why);
     if (count.word.empty())
-        return refuseAt(lineNumber, expected, quoted(line));
+        return refuseAt(lineNumber, expected, quotedText(line));
     if (count.word.size() > longestWord || value > most)
-        return refuseAt(lineNumber, expected, QStringLiteral("hexadecimal %1").arg(quoted(count.word)));
+        return refuseAt(lineNumber, expected, QStringLiteral("hexadecimal %1").arg(quotedText(count.word)));
     count.value = static_cast<std::int32_t>(value);
     return true;
 }
@@ -115,7 +116,7 @@ bool FluentScan::readZoneNames(std::size_t zones, std::vector<QString>& names) {
         if (name.empty() || !has(")())"))
             return refuseLine(expected);
         if (type == "fluid" || type == "solid" || type == "interior")
-            return refuseForeign(expected, quoted(line()));
+            return refuseForeign(expected, quotedText(line()));
         names.push_back(QString::fromStdString(name).remove(QLatin1String(")())")));
     }
     return true;
@@ -136,7 +137,7 @@ bool FluentScan::checkUnmarkedLine() {
         return refuseForeign(interior
                                  ? QStringLiteral("a single interior face zone")
                                  : QStringLiteral("a line with \"Faces of zone\" before every face header"),
-                             quoted(line()));
+                             quotedText(line()));
     }
     return true;
 }
@@ -152,7 +153,7 @@ bool FluentScan::refuse(const QString& expected, const QString& found) const {
 }
 
 bool FluentScan::refuseLine(const QString& expected) const {
-    return refuse(expected, line().empty() ? QStringLiteral("an empty line") : quoted(line()));
+    return refuse(expected, line().empty() ? QStringLiteral("an empty line") : quotedText(line()));
 }
 
 bool FluentScan::refuseForeign(const QString& expected, const QString& found) const {

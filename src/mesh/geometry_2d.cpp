@@ -142,43 +142,31 @@ HugeArray<Across> cellsAcrossFaces() {
     return across;
 }
 
-/// The neighbours of a cell: the cells across its faces, then theirs, each once. Returns their number, or
-/// maxNeighbours + 1 when they do not fit.
+/// The neighbours of a cell: the cells across its faces, then theirs, each once. Returns their number.
 std::int32_t collectNeighbours(const HugeArray<Across>& across, std::int32_t c,
                                std::array<std::int32_t, CellRecord::maxNeighbours>& list) {
+    static_assert(CellRecord::maxFaces * (1 + CellRecord::maxFaces) <= CellRecord::maxNeighbours,
+                  "two rings of cells with so many faces must fit the list");
     auto end = list.begin();
     for (const std::int32_t other : across[static_cast<std::size_t>(c)])
         if (other != -1)
             *end++ = other;
     const auto faceNeighboursEnd = end;
-    for (auto near = list.begin(); near != faceNeighboursEnd; ++near) {
-        for (const std::int32_t other : across[static_cast<std::size_t>(*near)]) {
-            if (other == -1 || other == c || std::find(list.begin(), end, other) != end)
-                continue;
-            if (end == list.end())
-                return CellRecord::maxNeighbours + 1;
-            *end++ = other;
-        }
-    }
+    for (auto near = list.begin(); near != faceNeighboursEnd; ++near)
+        for (const std::int32_t other : across[static_cast<std::size_t>(*near)])
+            if (other != -1 && other != c && std::find(list.begin(), end, other) == end)
+                *end++ = other;
     return static_cast<std::int32_t>(end - list.begin());
 }
 
-bool buildNeighbourLists() {
+void buildNeighbourLists() {
     const HugeArray<Across> across = cellsAcrossFaces();
     std::vector<std::int32_t> start(static_cast<std::size_t>(mesh.cellCount) + 1);
-    std::int32_t firstBad = none;
-#pragma omp parallel for schedule(static) reduction(min : firstBad)
+#pragma omp parallel for schedule(static)
     for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
         std::array<std::int32_t, CellRecord::maxNeighbours> list;
-        const std::int32_t count = collectNeighbours(across, c, list);
-        start[static_cast<std::size_t>(c) + 1] = count;
-        if (count > CellRecord::maxNeighbours)
-            firstBad = std::min(firstBad, c);
+        start[static_cast<std::size_t>(c) + 1] = collectNeighbours(across, c, list);
     }
-    if (firstBad != none)
-        return refuse(
-            placeOf(cellAt(firstBad).faces[0], firstBad),
-            QStringLiteral("expected at most %1 neighbours, found more").arg(CellRecord::maxNeighbours));
     std::int64_t total = 0;
     for (std::int32_t& offset : start) {
         total += offset;
@@ -193,7 +181,6 @@ bool buildNeighbourLists() {
         const std::int32_t count = collectNeighbours(across, c, list);
         std::copy_n(list.begin(), count, cellAt(c).neighbours);
     }
-    return true;
 }
 
 void setMidpoints() {
@@ -391,8 +378,9 @@ bool build() {
     if (!checkFaces(highest + 1))
         return false;
     mesh.allocateCells2D(highest + 1);
-    if (!connectCells() || !buildNeighbourLists())
+    if (!connectCells())
         return false;
+    buildNeighbourLists();
     setMidpoints();
     shapeCells();
     finishFaces();

@@ -13,8 +13,8 @@
 
 namespace fluvane {
 
-/// Owns `size` value-initialised elements. The elements are constructed by the OpenMP threads in contiguous
-/// shares, so that each page is first touched by the thread that later works on that share.
+/// Owns `size` value-initialised elements. Those of a large array are constructed by the OpenMP threads in
+/// contiguous shares, so that each page is first touched by the thread that later works on that share.
 /// Allocation failure throws std::bad_alloc. Move only.
 template <class T>
 class HugeArray {
@@ -34,7 +34,7 @@ public:
 #endif
         T* const data = m_data;
         const auto count = static_cast<std::ptrdiff_t>(size);
-#pragma omp parallel for schedule(static)
+#pragma omp parallel for schedule(static) if (bytes >= hugePage)
         for (std::ptrdiff_t i = 0; i < count; ++i)
             std::construct_at(data + i);
     }

@@ -21,6 +21,10 @@ bool isBlank(char c) {
 TextFile readTextFile(const QString& path, std::int64_t limit) {
     TextFile result;
     const QFileInfo info(path);
+    if (path.isEmpty()) {
+        result.error = QStringLiteral("no file name");
+        return result;
+    }
     if (info.exists() && !info.isFile()) { // opening a pipe or a device could wait for ever
         result.error = QStringLiteral("not a regular file");
         return result;
@@ -96,7 +100,7 @@ std::optional<double> parseDecimal(std::string_view word) {
     return value;
 }
 
-QString quoted(std::string_view found) {
+QString quotedText(std::string_view found) {
     constexpr std::size_t readable = 60;
     QString shown = QString::fromUtf8(found.data(), static_cast<int>(std::min(found.size(), readable)));
     for (QChar& c : shown)

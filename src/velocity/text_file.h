@@ -52,6 +52,6 @@ std::string_view takeWord(std::string_view& text);
 std::optional<double> parseDecimal(std::string_view word);
 
 /// What was found, for a message: on one line, in quotation marks, cut to a readable length.
-QString quoted(std::string_view found);
+QString quotedText(std::string_view found);
 
 } // namespace fluvane

@@ -52,11 +52,11 @@ bool VelocityReader::readRow(std::size_t row, const LineScanner& lines) {
     for (std::string_view word = takeWord(rest); !word.empty(); word = takeWord(rest), ++count) {
         const std::optional<double> value = parseDecimal(word);
         if (!value || count == wanted)
-            return refuse(lines.lineNumber(), expected, quoted(lines.line()));
+            return refuse(lines.lineNumber(), expected, quotedText(lines.line()));
         values[count] = *value;
     }
     if (count != 0 && count != wanted)
-        return refuse(lines.lineNumber(), expected, quoted(lines.line()));
+        return refuse(lines.lineNumber(), expected, quotedText(lines.line()));
     if (count != 0) {
         if (m_components == 3)
             m_table.xi3D[row] = {values[0], values[1], values[2]};
@@ -101,7 +101,7 @@ bool VelocityReader::read(std::string_view text) {
         if (rows == VelocitySet::capacity)
             return refuse(lines.lineNumber(),
                           QStringLiteral("at most %1 velocities").arg(VelocitySet::capacity),
-                          quoted(lines.line()));
+                          quotedText(lines.line()));
         if (!readRow(static_cast<std::size_t>(rows), lines))
             return false;
     }

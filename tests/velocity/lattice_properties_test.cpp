@@ -1,7 +1,7 @@
 // Scaling and listing of the velocity set.
 #include "velocity/lattice_properties.h"
 
-#include "captured_terminal.h"
+#include "support/captured_terminal.h"
 
 #include <QLocale>
 #include <clocale>

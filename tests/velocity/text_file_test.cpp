@@ -1,7 +1,7 @@
 // Lines, words and numbers of text files.
 #include "velocity/text_file.h"
 
-#include "captured_terminal.h"
+#include "support/captured_terminal.h"
 
 #include <cmath>
 #include <string>
@@ -11,17 +11,17 @@ namespace fluvane {
 using TextFileTest = CapturedTerminalTest;
 
 TEST_F(TextFileTest, LinesEndAtLineFeedsAndLoseTheirCarriageReturn) {
-    LineScanner lines("one\r\n\n two");
-    ASSERT_TRUE(lines.next());
-    EXPECT_EQ(lines.line(), "one");
-    EXPECT_EQ(lines.lineNumber(), 1);
-    ASSERT_TRUE(lines.next());
-    EXPECT_EQ(lines.line(), "");
-    EXPECT_EQ(lines.rest(), " two");
-    ASSERT_TRUE(lines.next());
-    EXPECT_EQ(lines.line(), " two");
-    EXPECT_EQ(lines.lineNumber(), 3);
-    EXPECT_FALSE(lines.next());
+    LineScanner scanner("one\r\n\n two");
+    ASSERT_TRUE(scanner.next());
+    EXPECT_EQ(scanner.line(), "one");
+    EXPECT_EQ(scanner.lineNumber(), 1);
+    ASSERT_TRUE(scanner.next());
+    EXPECT_EQ(scanner.line(), "");
+    EXPECT_EQ(scanner.rest(), " two");
+    ASSERT_TRUE(scanner.next());
+    EXPECT_EQ(scanner.line(), " two");
+    EXPECT_EQ(scanner.lineNumber(), 3);
+    EXPECT_FALSE(scanner.next());
 }
 
 TEST_F(TextFileTest, WordsAreTakenOneByOne) {
@@ -75,9 +75,9 @@ TEST_F(TextFileTest, FoldersAndMissingFilesAreNotOpened) {
 }
 
 TEST_F(TextFileTest, QuotedTextIsShortAndPrintable) {
-    EXPECT_EQ(quoted("plain").toStdString(), "\"plain\"");
-    EXPECT_EQ(quoted(std::string_view("a\0\tb", 4)).toStdString(), "\"a??b\"");
-    EXPECT_EQ(quoted(std::string(100, 'x')).toStdString(), "\"" + std::string(60, 'x') + "...\"");
+    EXPECT_EQ(quotedText("plain").toStdString(), "\"plain\"");
+    EXPECT_EQ(quotedText(std::string_view("a\0\tb", 4)).toStdString(), "\"a??b\"");
+    EXPECT_EQ(quotedText(std::string(100, 'x')).toStdString(), "\"" + std::string(60, 'x') + "...\"");
 }
 
 } // namespace fluvane

@@ -1,7 +1,7 @@
 // Reading and refusing velocity files.
 #include "velocity/velocity_file.h"
 
-#include "captured_terminal.h"
+#include "support/captured_terminal.h"
 #include "velocity/velocity_set.h"
 
 #include <QDir>
@@ -114,7 +114,7 @@ TEST_F(VelocityFileTest, CarriageReturnsAndOtherBlanksArePartOfNothing) {
 TEST_F(VelocityFileTest, NumbersDoNotDependOnTheLocale) {
     const std::string before = std::setlocale(LC_ALL, nullptr);
     if (!std::setlocale(LC_ALL, "de_DE.UTF-8"))
-        std::setlocale(LC_ALL, "");
+        GTEST_SKIP() << "no locale with a decimal comma here";
     EXPECT_TRUE(read("0 0 4 9 0\n1.25 0 1 9 0\n"));
     EXPECT_EQ(velocitySet.xi2D[1].x, 1.25);
     std::setlocale(LC_ALL, before.c_str());

@@ -39,9 +39,9 @@ protected:
 
     QString write(const QString& name, std::string_view text) const {
         QFile file(pathOf(name));
-        const bool written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-                             file.write(text.data(), static_cast<qint64>(text.size())) ==
-                                 static_cast<qint64>(text.size());
+        const bool written =
+            file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+            file.write(text.data(), static_cast<qint64>(text.size())) == static_cast<qint64>(text.size());
         EXPECT_TRUE(written);
         return pathOf(name);
     }

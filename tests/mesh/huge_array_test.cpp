@@ -1,0 +1,66 @@
+// The aligned table of the solver.
+#include "mesh/huge_array.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <utility>
+
+namespace fluvane {
+
+namespace {
+
+struct Counted {
+    static inline int alive = 0;
+    int value = 7;
+    Counted() {
+#pragma omp atomic
+        ++alive;
+    }
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+    ~Counted() {
+#pragma omp atomic
+        --alive;
+    }
+};
+
+} // namespace
+
+TEST(HugeArrayTest, ElementsAreValueInitialisedAndAligned) {
+    for (const std::size_t size : {std::size_t{1}, std::size_t{1000}, std::size_t{1} << 19}) {
+        const HugeArray<double> array(size);
+        EXPECT_EQ(array.size(), size);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(array.data()) % 64, 0U);
+        for (const double value : array)
+            ASSERT_EQ(value, 0.0);
+    }
+}
+
+TEST(HugeArrayTest, EveryElementIsConstructedAndDestroyedOnce) {
+    {
+        const HugeArray<Counted> array(1000);
+        EXPECT_EQ(Counted::alive, 1000);
+        EXPECT_EQ(array[999].value, 7);
+    }
+    EXPECT_EQ(Counted::alive, 0);
+}
+
+TEST(HugeArrayTest, MovingLeavesTheSourceEmptyAndFreesTheTarget) {
+    HugeArray<Counted> a(10);
+    HugeArray<Counted> b(20);
+    const Counted* const first = a.data();
+    b = std::move(a);
+    EXPECT_EQ(Counted::alive, 10);
+    EXPECT_EQ(b.data(), first);
+    EXPECT_EQ(b.size(), 10U);
+    b = HugeArray<Counted>();
+    EXPECT_EQ(Counted::alive, 0);
+    EXPECT_TRUE(b.empty());
+    EXPECT_EQ(b.begin(), b.end());
+}
+
+TEST(HugeArrayTest, SizesBeyondTheAddressSpaceThrow) {
+    EXPECT_THROW(HugeArray<double>(SIZE_MAX / 2), std::bad_alloc);
+}
+
+} // namespace fluvane

@@ -1,0 +1,91 @@
+// Counts, lines and allocation of the mesh.
+#include "mesh/mesh.h"
+
+#include "support/captured_terminal.h"
+
+namespace fluvane {
+
+using MeshTest = CapturedTerminalTest;
+
+TEST_F(MeshTest, TotalFaceCountIsTheEndOfTheLastZoneOrTheInteriorCount) {
+    mesh.interiorFaceCount = 5;
+    EXPECT_EQ(mesh.totalFaceCount(), 5);
+    mesh.zoneCount = 2;
+    mesh.zoneLastFace[0] = 8;
+    mesh.zoneLastFace[1] = 12;
+    EXPECT_EQ(mesh.totalFaceCount(), 12);
+}
+
+TEST_F(MeshTest, FaceLineCountsFromTheStartOfTheFacesZone) {
+    EXPECT_EQ(mesh.faceLine(0), 0);
+    mesh.faceLineStarts = {{0, 10}, {3, 20}};
+    EXPECT_EQ(mesh.faceLine(0), 10);
+    EXPECT_EQ(mesh.faceLine(2), 12);
+    EXPECT_EQ(mesh.faceLine(3), 20);
+    EXPECT_EQ(mesh.faceLine(7), 24);
+}
+
+TEST_F(MeshTest, RecordsHoldSlicesOfThePoolsForTheVelocitySetAsItStands) {
+    velocitySet.velocityCount = 9;
+    mesh.allocateFaces2D(3);
+    mesh.allocateCells2D(4);
+    EXPECT_EQ(mesh.cellCount, 4);
+    EXPECT_EQ(mesh.faces2D[2].gFace, mesh.facePools.gFace.data() + 18);
+    EXPECT_EQ(mesh.facePools.gFace.size(), 27U);
+    EXPECT_EQ(mesh.cells2D[3].fTildePlus, mesh.cellPools.fTildePlus.data() + 27);
+    EXPECT_EQ(mesh.cells2D[3].gradGBarPlus.y, mesh.cellPools.gradGBarPlus.data() + 63);
+    EXPECT_EQ(mesh.cellPools.gradGBarPlus.size(), 72U);
+    EXPECT_TRUE(mesh.matchesVelocitySet());
+    velocitySet.velocityCount = 7;
+    EXPECT_FALSE(mesh.matchesVelocitySet());
+}
+
+TEST_F(MeshTest, NewRecordsAreConnectedToNothing) {
+    velocitySet.velocityCount = 1;
+    mesh.allocateFaces2D(1);
+    mesh.allocateCells2D(1);
+    EXPECT_EQ(mesh.faces2D[0].c1, -1);
+    EXPECT_EQ(mesh.cells2D[0].faceCount, 0);
+    EXPECT_EQ(mesh.cells2D[0].nodes[3], -1);
+    EXPECT_EQ(mesh.cells2D[0].faces[3], -1);
+}
+
+TEST_F(MeshTest, RecordsWithoutAVelocitySetHaveEmptySlices) {
+    velocitySet.velocityCount = -1;
+    mesh.allocateFaces2D(2);
+    mesh.allocateCells2D(2);
+    EXPECT_TRUE(mesh.facePools.fFace.empty());
+    EXPECT_TRUE(mesh.cellPools.fTilde.empty());
+}
+
+TEST_F(MeshTest, NeighbourSlicesFollowTheOffsets) {
+    mesh.allocateCells2D(3);
+    mesh.allocateNeighbours2D({0, 2, 2, 5});
+    EXPECT_EQ(mesh.cells2D[0].neighbourCount, 2);
+    EXPECT_EQ(mesh.cells2D[1].neighbourCount, 0);
+    EXPECT_EQ(mesh.cells2D[2].neighbourCount, 3);
+    EXPECT_EQ(mesh.cells2D[2].neighbours, mesh.neighbourList.data() + 2);
+    EXPECT_EQ(mesh.cells2D[2].lsq, mesh.lsqList2D.data() + 2);
+    EXPECT_EQ(mesh.neighbourList.size(), 5U);
+}
+
+TEST_F(MeshTest, ClearedMeshIsEmpty) {
+    velocitySet.velocityCount = 9;
+    mesh.pointCount = 1;
+    mesh.pointX = {1.0};
+    mesh.zoneCount = 1;
+    mesh.zoneLastFace[0] = 2;
+    mesh.zoneNames = {"top"};
+    mesh.allocateFaces2D(2);
+    mesh.allocateCells2D(2);
+    mesh.clear();
+    EXPECT_EQ(mesh.pointCount, 0);
+    EXPECT_EQ(mesh.cellCount, 0);
+    EXPECT_EQ(mesh.totalFaceCount(), 0);
+    EXPECT_TRUE(mesh.pointX.empty());
+    EXPECT_TRUE(mesh.zoneNames.empty());
+    EXPECT_TRUE(mesh.faces2D.empty());
+    EXPECT_TRUE(mesh.cellPools.gradFBarPlus.empty());
+}
+
+} // namespace fluvane
