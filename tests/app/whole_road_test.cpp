@@ -143,6 +143,25 @@ private slots:
         QVERIFY(shell.terminal().at(0).contains("inner") && shell.terminal().at(1).contains("outer"));
     }
 
+    void complaintsOfThisOpeningSurviveTheClearing() {
+        Shell shell;
+        const QuadMesh square = squareMesh(2);
+        QVERIFY(writeText(shell.path("nine.2Dv"), velocityLines));
+        QVERIFY(QuadMeshFile(square).write(shell.path("case.msh")));
+        fluvane::reportProblem("of an earlier opening");
+        // What a reader complains about comes while the file dialogs run.
+        QTimer complaint;
+        connect(&complaint, &QTimer::timeout, this, [&complaint] {
+            fluvane::reportProblem("of this opening");
+            complaint.stop();
+        });
+        complaint.start(0);
+        shell.answers.names = QStringList{shell.path("nine.2Dv"), shell.path("case.msh")};
+        emit shell.window->Read_velocity();
+        QCOMPARE(shell.terminal().size(), 5);
+        QCOMPARE(shell.terminal().constLast(), QString("of this opening"));
+    }
+
     void longCountsAreNotCutOff() {
         Shell shell;
         open(shell, squareMesh(110));
