@@ -23,14 +23,12 @@ bool writeInPlace(const QString& path, std::string_view content) {
 
 bool writeWholeFile(const QString& path, std::string_view content) {
     const QFileInfo target(path);
-    // Renaming over a device, a pipe or a link to nothing would put a plain file in its place.
-    const bool replaceable = target.exists() ? target.isFile() : !target.isSymLink();
     if (path.isEmpty() || target.isDir())
         return false;
-    if (!replaceable)
-        return writeInPlace(path, content);
+    if (target.exists() && !target.isFile())
+        return writeInPlace(path, content); // renaming would put a plain file in place of a device or a pipe
 
-    QSaveFile file(target.exists() ? target.canonicalFilePath() : path);
+    QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return writeInPlace(path, content);
     if (!writeAll(file, content)) {

@@ -171,6 +171,7 @@ bool runTransient2D(MainWindow*, unsigned threads, int steps, int saveInterval, 
     const std::clock_t start = std::clock();
     const QString base = baseName(fileName);
     const auto resultFile = [&base](int n) {
+        const RunHold hold;
         return base + "_" + QString::number(fourierNumber(n)) + ".dat";
     };
     Histories histories(base);

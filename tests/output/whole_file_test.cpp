@@ -9,6 +9,9 @@
 #include <thread>
 
 #ifdef Q_OS_UNIX
+#include <csignal>
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -104,12 +107,14 @@ TEST_F(WholeFile, CreatesWhatADanglingLinkNames) {
 TEST_F(WholeFile, KeepsAPipeAPipe) {
     const QString path = inFolder("pipe");
     ASSERT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
-    QByteArray received;
-    std::thread reader([&] { received = readFile(path); });
-    const bool written = writeWholeFile(path, "through the pipe");
-    reader.join();
-    EXPECT_TRUE(written);
-    EXPECT_EQ(received, "through the pipe");
+    const int readingEnd = open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK);
+    ASSERT_GE(readingEnd, 0);
+    EXPECT_TRUE(writeWholeFile(path, "through the pipe"));
+    char received[64];
+    const auto size = read(readingEnd, received, sizeof received);
+    close(readingEnd);
+    ASSERT_GT(size, 0);
+    EXPECT_EQ(std::string(received, static_cast<std::size_t>(size)), "through the pipe");
     struct stat status {};
     ASSERT_EQ(stat(QFile::encodeName(path).constData(), &status), 0);
     EXPECT_TRUE(S_ISFIFO(status.st_mode));
@@ -134,10 +139,21 @@ TEST_F(WholeFile, WritesInPlaceInAFolderThatTakesNoNewFiles) {
     EXPECT_EQ(readFile(inFolder("a.dat")), "new");
 }
 
-TEST_F(WholeFile, SaysWhenADeviceIsFull) {
-    if (!QFileInfo::exists("/dev/full"))
-        GTEST_SKIP() << "no such device here";
-    EXPECT_FALSE(writeWholeFile("/dev/full", std::string(100000, 'x')));
+TEST_F(WholeFile, KeepsTheOldFileWhenThereIsNoRoomForTheNewOne) {
+    ASSERT_TRUE(writeWholeFile(inFolder("a.dat"), "old"));
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler =
+        std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit then fails like a full disk
+    rlimit limited = before;
+    limited.rlim_cur = 1000;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+    const bool written = writeWholeFile(inFolder("a.dat"), std::string(100000, 'x'));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_FALSE(written);
+    EXPECT_EQ(readFile(inFolder("a.dat")), "old");
+    EXPECT_EQ(entries(), QStringList("a.dat")) << "nothing may be left beside it";
 }
 
 TEST_F(WholeFile, KeepsTheRightsOfTheFileItReplaces) {

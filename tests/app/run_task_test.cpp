@@ -1,0 +1,68 @@
+// Tests of the run on a pool thread.
+#include "app/run_task.h"
+
+#include "shell_fixture.h"
+
+#include <QMutex>
+
+class RunTaskTest : public QObject {
+    Q_OBJECT
+
+private:
+    QStringList said;
+    QMutex mutex;
+
+private slots:
+    void init() {
+        resetProcessState();
+        said.clear();
+        fluvane::setTerminalSink([this](const QString& line) {
+            const QMutexLocker lock(&mutex);
+            said << line;
+        });
+    }
+    void cleanup() {
+        resetProcessState();
+        fluvane::setTerminalSink({});
+    }
+
+    void aRunClaimsTheMeshAndGivesItBack() {
+        const QTemporaryDir folder;
+        RunTask task;
+        task.steps = 1;
+        task.fileName = folder.filePath("run.dat");
+        QVERIFY(startRunTask(task));
+        QTRY_VERIFY(!fluvane::runActive());
+        QTRY_VERIFY(QThreadPool::globalInstance()->activeThreadCount() == 0);
+        QVERIFY(said.contains("Compute done"));
+        QVERIFY(QFile::exists(folder.filePath("run_1.dat")));
+    }
+
+    void aSecondRunIsNotStarted() {
+        QVERIFY(fluvane::tryStartRun());
+        QVERIFY(!startRunTask({}));
+        fluvane::endRun();
+        QVERIFY(said.isEmpty());
+    }
+
+    void nothingStartsWhenTheProgramIsClosing() {
+        fluvane::requestStop();
+        QVERIFY(!startRunTask({}));
+        QVERIFY(!fluvane::runActive());
+    }
+
+    void steadyOrTransientChoosesTheDriver() {
+        const QTemporaryDir folder;
+        RunTask task;
+        task.steps = 1;
+        task.steady = false;
+        task.fileName = folder.filePath("run.dat");
+        QVERIFY(startRunTask(task));
+        QTRY_VERIFY(!fluvane::runActive());
+        QVERIFY(QFile::exists(folder.filePath("run_fl.txt")));
+        QVERIFY(QFile::exists(folder.filePath("run_Tave.txt")));
+    }
+};
+
+QTEST_MAIN(RunTaskTest)
+#include "run_task_test.moc"

@@ -1,0 +1,299 @@
+// A case from Open to its result files, through the real windows and the real solver.
+#include "app/main_window.h"
+#include "quad_mesh_file.h"
+#include "shell_fixture.h"
+
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QRegularExpression>
+#include <algorithm>
+
+using fluvane::caseSettings;
+
+namespace {
+
+void type(QWidget* dialog, const char* field, const QString& text) {
+    dialog->findChild<QLineEdit*>(QString::fromLatin1(field))->setText(text);
+}
+
+void pick(QWidget* dialog, const char* list, int index) {
+    dialog->findChild<QComboBox*>(QString::fromLatin1(list))->setCurrentIndex(index);
+}
+
+QList<QByteArray> linesOf(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QList<QByteArray> lines = file.readAll().split('\n');
+    lines.removeLast();
+    return lines;
+}
+
+/// Does the file hold one whole 2D result: head, all values, all quadrilaterals, CR LF?
+bool isWholeResult(const QString& path, int points, int cells) {
+    const QList<QByteArray> lines = linesOf(path);
+    if (lines.size() != 11 + 2 * points + 6 * cells + cells)
+        return false;
+    if (lines[8] != "ZONE N=" + QByteArray::number(points) + ", E=" + QByteArray::number(cells) +
+                        ", ZONETYPE = FEQUADRILATERAL\r")
+        return false;
+    const auto isNumber = [](const QByteArray& line) {
+        bool ok = false;
+        line.trimmed().toDouble(&ok);
+        return ok && line.endsWith('\r');
+    };
+    const int values = 11 + 2 * points + 6 * cells;
+    return std::all_of(lines.begin() + 11, lines.begin() + values, isNumber) &&
+           std::all_of(lines.begin() + values, lines.end(),
+                       [](const QByteArray& line) { return line.simplified().split(' ').size() == 4; });
+}
+
+} // namespace
+
+class WholeRoadTest : public QObject {
+    Q_OBJECT
+
+private:
+    static constexpr int side = 8;
+    static constexpr int cells = side * side;
+    static constexpr int points = (side + 1) * (side + 1);
+
+    static void open(Shell& shell, const QuadMesh& mesh) {
+        QVERIFY(writeText(shell.path("nine.2Dv"), velocityLines));
+        QuadMeshFile file(mesh);
+        QVERIFY(file.write(shell.path("case.msh")));
+        shell.answers.names = QStringList{shell.path("nine.2Dv"), shell.path("case.msh")};
+        shell.choose("actionOpen");
+        Shell::press(Shell::dialog("Dimension_Win"), "pushButton_2D");
+        QVERIFY2(caseSettings.meshLoaded, qPrintable(shell.terminal().join('\n')));
+    }
+
+    /// Lattice defaults; forced flow at Re 100, or conduction.
+    static void setUp(Shell& shell, bool flow, bool steady) {
+        shell.choose("actionLattice");
+        Shell::press(Shell::dialog("Lattice_Win"), "pushButton_ok");
+        QWidget* const physics = Shell::dialog("Initial_Win");
+        pick(physics, "comboBox_flow", flow ? 0 : 2);
+        pick(physics, "comboBox_time", steady ? 0 : 1);
+        type(physics, "lineEdit_L", "1");
+        type(physics, "lineEdit_Re_or_Ra", "100");
+        type(physics, "lineEdit_Pr", flow ? "1" : "0.1");
+        Shell::press(physics, "pushButton_ok");
+        QVERIFY(caseSettings.latticeInitialised);
+    }
+
+    /// Walls at rest but the top, which slides.
+    static void setCavityWalls(Shell& shell) {
+        shell.choose("actionBoundary");
+        QWidget* const wizard = Shell::dialog("Boundary_Information_Win");
+        for (const char* const zone : {"bottom", "right", "top", "left"}) {
+            QVERIFY(wizard->findChild<QLabel*>("labelBI")->text().contains(zone));
+            type(wizard, "lineEdit_ux", qstrcmp(zone, "top") == 0 ? "1" : "0");
+            type(wizard, "lineEdit_uy", "0");
+            Shell::press(wizard, "pushButtonnext");
+        }
+        QVERIFY(caseSettings.boundaryInitialised && shell.window->isVisible());
+    }
+
+    static void compute(Shell& shell, const QString& steps, const QString& interval, const QString& name) {
+        shell.answers.names = QStringList{shell.path(name)};
+        shell.find<QPushButton>("pushButton_compute")->click();
+        QWidget* const control = Shell::dialog("NUM_Process_Win");
+        type(control, "lineEdit_Process", "2");
+        type(control, "lineEdit_Time_Step", steps);
+        type(control, "lineEdit_Terminal", interval);
+        Shell::press(control, "pushButton_ok");
+        QVERIFY(shell.window->isVisible());
+    }
+
+    static void prepareCavity(Shell& shell, bool steady = true, int n = side) {
+        open(shell, squareMesh(n));
+        setUp(shell, true, steady);
+        setCavityWalls(shell);
+        shell.find<QTextBrowser>("textBrowser")->clear();
+        shell.answers.seen.clear();
+    }
+
+private slots:
+    void openingShowsCountsAndExactlyTheZoneNames() {
+        Shell shell;
+        open(shell, squareMesh(side));
+        QCOMPARE(shell.answers.seen, QStringList({"Velocity file [*.2Dv]", "Mesh file [*.msh]"}));
+        QCOMPARE(shell.text("labelnumcell"), QString("Num of Cell: 64"));
+        QCOMPARE(shell.text("labelnumface"), QString("Num of Face: 144"));
+        QCOMPARE(shell.text("labelnumpoint"), QString("Num of Point: 81"));
+        QStringList names;
+        for (const QString& name : fluvane::mesh.zoneNames)
+            names << name;
+        QCOMPARE(names.size(), 4);
+        QCOMPARE(shell.terminal(), names);
+        QVERIFY(shell.window->isVisible() && !Shell::dialog("Dimension_Win")->isVisible());
+    }
+
+    void aSecondMeshReplacesCountsAndTerminal() {
+        Shell shell;
+        open(shell, squareMesh(side));
+        fluvane::appendTerminalLine("something said since");
+        open(shell, ringMesh(16, 4));
+        QCOMPARE(shell.text("labelnumcell"), QString("Num of Cell: 64"));
+        QCOMPARE(shell.text("labelnumface"), QString("Num of Face: 144"));
+        QCOMPARE(shell.text("labelnumpoint"), QString("Num of Point: 80"));
+        QCOMPARE(shell.terminal().size(), 2);
+        QVERIFY(shell.terminal().at(0).contains("inner") && shell.terminal().at(1).contains("outer"));
+    }
+
+    void longCountsAreNotCutOff() {
+        Shell shell;
+        open(shell, squareMesh(110));
+        QCOMPARE(shell.text("labelnumpoint"), QString("Num of Point: 12321"));
+        for (const char* const name : {"labelnumcell", "labelnumface", "labelnumpoint"}) {
+            const auto* const label = shell.find<QLabel>(name);
+            QVERIFY2(label->fontMetrics().horizontalAdvance(label->text()) <= label->width(), name);
+            QCOMPARE(label->font().pointSize(), 12);
+        }
+    }
+
+    void aSteadyRunReportsAndWritesItsFiles() {
+        Shell shell;
+        prepareCavity(shell);
+        compute(shell, "20", "10", "run.dat");
+        QTRY_VERIFY(!fluvane::runActive());
+        QTRY_COMPARE(shell.terminal().size(), 5);
+        const QStringList said = shell.terminal();
+        const QString number = "[0-9.e+-]+";
+        for (int i = 0; i < 3; ++i)
+            QVERIFY2(QRegularExpression("^Time Steps=" + QString::number(10 * i) + "   error_u=" + number +
+                                        "   error_T=0$")
+                         .match(said.at(i))
+                         .hasMatch(),
+                     qPrintable(said.at(i)));
+        QCOMPARE(said.at(3), QString("Compute done"));
+        QVERIFY(QRegularExpression("^time=[0-9]+$").match(said.at(4)).hasMatch());
+        QCOMPARE(QDir(shell.folder.path()).entryList({"run*"}, QDir::Files),
+                 QStringList({"run_0.dat", "run_10.dat", "run_20.dat"}));
+        for (const char* const file : {"run_0.dat", "run_10.dat", "run_20.dat"})
+            QVERIFY2(isWholeResult(shell.path(file), points, cells), file);
+        QCOMPARE(shell.answers.seen, QStringList("Auto Saved [*.dat]"));
+    }
+
+    void theLidDragsTheFluidAlong() {
+        Shell shell;
+        prepareCavity(shell);
+        compute(shell, "200", "200", "run");
+        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), 60000);
+        const QList<QByteArray> lines = linesOf(shell.path("run_200.dat"));
+        QVERIFY(lines.size() > 11 + 2 * points + 2 * cells);
+        const double besideLid = lines[11 + 2 * points + cells + cells - side / 2].trimmed().toDouble();
+        QVERIFY2(besideLid > 0.1 && besideLid < 1, QByteArray::number(besideLid).constData());
+    }
+
+    void conductionInARingRunsUntilItHasConverged() {
+        Shell shell;
+        open(shell, ringMesh(16, 4));
+        setUp(shell, false, true);
+        shell.choose("actionBoundary");
+        QWidget* const wizard = Shell::dialog("Boundary_Information_Win");
+        for (const char* const T : {"0", "1"}) {
+            pick(wizard, "comboBox", 1);
+            type(wizard, "lineEdit_T", T);
+            Shell::press(wizard, "pushButtonnext");
+        }
+        shell.find<QTextBrowser>("textBrowser")->clear();
+        type(Shell::dialog("NUM_Process_Win"), "lineEdit_Error_T", "1e-7");
+        compute(shell, "0", "100", "ring.dat");
+        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), 120000);
+        QTRY_VERIFY(shell.terminal().contains("Compute done"));
+        const QStringList files = QDir(shell.folder.path()).entryList({"ring_*.dat"}, QDir::Files);
+        QVERIFY(files.size() > 1);
+        const QString reported = shell.terminal().at(shell.terminal().size() - 3);
+        const auto step = QRegularExpression("^Time Steps=([0-9]+) ").match(reported).captured(1);
+        QVERIFY2(files.contains("ring_" + step + ".dat"), qPrintable(reported));
+    }
+
+    void aTransientRunWritesHistoriesAndFilesNamedByTheFourierNumber() {
+        Shell shell;
+        prepareCavity(shell, false);
+        compute(shell, "3", "2", "run.dat");
+        QTRY_VERIFY(!fluvane::runActive());
+        QTRY_COMPARE(shell.terminal().size(), 4);
+        QCOMPARE(shell.terminal().mid(0, 3), QStringList({"time=0", "time=2", "Compute done"}));
+        const QStringList files = QDir(shell.folder.path()).entryList({"run_*.dat"}, QDir::Files);
+        QVERIFY(files.contains("run_0.dat"));
+        const double Fo = 3 * caseSettings.dt * caseSettings.alpha / caseSettings.L / caseSettings.L;
+        QVERIFY(files.contains("run_" + QString::number(Fo) + ".dat"));
+        QCOMPARE(linesOf(shell.path("run_fl.txt")).size(), 1);
+        QCOMPARE(linesOf(shell.path("run_Tave.txt")).size(), 1);
+    }
+
+    void duringARunSaveHoldsOneInstantAndTheRestIsRefused() {
+        constexpr int n = 40;
+        Shell shell;
+        prepareCavity(shell, true, n);
+        compute(shell, "10000000", "50", "long.dat");
+        QTRY_VERIFY(QFile::exists(shell.path("long_50.dat")));
+        QVERIFY(fluvane::runActive());
+        shell.answers.seen.clear();
+
+        shell.answers.names = QStringList{shell.path("saved.dat")};
+        shell.choose("actionSave");
+        QVERIFY(isWholeResult(shell.path("saved.dat"), (n + 1) * (n + 1), n * n));
+        shell.choose("actionOpen");
+        shell.find<QPushButton>("pushButton_compute")->click();
+        const QString running = "Message: A computation is running; please wait until it is done";
+        QCOMPARE(shell.answers.seen,
+                 QStringList({"Data file [*.dat]", "Message: Save Succeed", running, running}));
+        QVERIFY(shell.window->isVisible() && fluvane::runActive());
+        shell.choose("actionFace");
+        QVERIFY(QFile::exists(shell.path("face.txt")));
+    }
+
+    void theWindowAnswersPromptlyDuringARun() {
+        Shell shell;
+        prepareCavity(shell, true, 40);
+        compute(shell, "10000000", "100", "long.dat");
+        QTRY_VERIFY(QFile::exists(shell.path("long_0.dat")));
+        qint64 worst = 0;
+        int ticks = 0;
+        QElapsedTimer since;
+        QTimer tick;
+        connect(&tick, &QTimer::timeout, this, [&] {
+            worst = std::max(worst, since.restart() - 10);
+            ++ticks;
+            shell.window->repaint();
+        });
+        since.start();
+        tick.start(10);
+        QTRY_VERIFY(ticks >= 100);
+        tick.stop();
+        QVERIFY(fluvane::runActive());
+        qInfo("latest a 10 ms timer came during a run: %lld ms", static_cast<long long>(worst));
+        QVERIFY(worst < 5000);
+    }
+
+    void closingDuringARunEndsItAndLeavesWholeFiles() {
+        constexpr int n = 40;
+        Shell shell;
+        prepareCavity(shell, true, n);
+        compute(shell, "10000000", "20", "long.dat");
+        QTRY_VERIFY(QFile::exists(shell.path("long_20.dat")));
+        QElapsedTimer since;
+        since.start();
+        QTimer::singleShot(0, shell.window.get(), &QWidget::close);
+        QCOMPARE(QCoreApplication::exec(), 0);
+        QThreadPool::globalInstance()->waitForDone();
+        qInfo("from closing to the end of the run: %lld ms", static_cast<long long>(since.elapsed()));
+        QVERIFY(since.elapsed() < 10000);
+        QVERIFY(!fluvane::runActive());
+        const QDir folder(shell.folder.path());
+        QVERIFY(folder.entryList({"long_*"}, QDir::Files).size() >= 2);
+        for (const QString& file : folder.entryList({"long_*"}, QDir::Files))
+            QVERIFY2(isWholeResult(folder.filePath(file), (n + 1) * (n + 1), n * n), qPrintable(file));
+        QVERIFY(!shell.terminal().contains("Compute done"));
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::quit(); });
+        QCoreApplication::exec();
+    }
+};
+
+QTEST_MAIN(WholeRoadTest)
+#include "whole_road_test.moc"

@@ -1,0 +1,237 @@
+// The drivers: which files they write, what they say, how they end.
+#include "solver2d/drivers.h"
+
+#include "dialogs/case_settings.h"
+#include "mesh/mesh.h"
+#include "mesh/run_gate.h"
+#include "output/terminal.h"
+#include "setup/initial_fields.h"
+#include "solver2d/enthalpy.h"
+#include "solver2d/time_step.h"
+#include "support/case_runner.h"
+#include "support/mesh_builder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+using namespace fluvane;
+
+namespace {
+
+class Drivers : public testing::Test {
+protected:
+    void SetUp() override {
+        support::resetProcessState();
+        clearStopRequest();
+        support::useD2Q9();
+        support::makeMesh(support::rectangles(6, 6), 4, support::sidesOfBox());
+        support::useLattice(0.4);
+        initialiseFields(1.0, 0.1, 1.0, 20.0, 1.0, 0, 0, 0, 0, 0);
+        for (const int zone : {0, 1, 2})
+            support::assignZone(zone, {});
+        support::assignZone(3, support::movingWall(1.0, 0.0));
+        takeProblems();
+        setTerminalSink([this](const QString& line) { lines.append(line); });
+    }
+    void TearDown() override {
+        setTerminalSink({});
+        clearStopRequest();
+        support::resetProcessState();
+    }
+
+    bool steady(int steps, int interval, double tolerance = 1e-9, const QString& name = "run.dat") {
+        return runSteady2D(nullptr, 1, tolerance, tolerance, steps, interval, folder.filePath(name));
+    }
+    bool transient(int steps, int interval, const QString& name = "run.dat") {
+        return runTransient2D(nullptr, 1, steps, interval, folder.filePath(name));
+    }
+    QStringList files() const { return QDir(folder.path()).entryList(QDir::Files, QDir::Name); }
+    QByteArray content(const QString& name) const {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void expectNormalEnd() const {
+        ASSERT_GE(lines.size(), 2);
+        EXPECT_EQ(lines[lines.size() - 2], "Compute done");
+        EXPECT_TRUE(QRegularExpression("^time=[0-9]+$").match(lines.last()).hasMatch())
+            << lines.last().toStdString();
+    }
+
+    QTemporaryDir folder;
+    QStringList lines;
+};
+
+} // namespace
+
+TEST_F(Drivers, OneStepWritesStepZeroAndTheFinalFile) {
+    EXPECT_TRUE(steady(1, 1));
+    EXPECT_EQ(files(), QStringList({"run_0.dat", "run_1.dat"}));
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_TRUE(lines[0].startsWith("Time Steps=0   error_u="));
+    EXPECT_TRUE(lines[1].startsWith("Time Steps=1   error_u="));
+    expectNormalEnd();
+}
+
+TEST_F(Drivers, FilesAppearAtMultiplesOfTheIntervalAndAtTheEnd) {
+    EXPECT_TRUE(steady(7, 3));
+    EXPECT_EQ(files(), QStringList({"run_0.dat", "run_3.dat", "run_6.dat", "run_7.dat"}));
+    expectNormalEnd();
+}
+
+TEST_F(Drivers, FixedCountThatConvergesEndsAtThatSavePoint) {
+    EXPECT_TRUE(steady(100, 5, 10.0));
+    // The first check still compares with rest; from the second on everything is below 10.
+    EXPECT_EQ(files(), QStringList({"run_0.dat", "run_5.dat"}));
+    EXPECT_TRUE(lines[lines.size() - 3].startsWith("Time Steps=5 "));
+    expectNormalEnd();
+}
+
+TEST_F(Drivers, WithoutAStepCountItRunsUntilConverged) {
+    EXPECT_TRUE(steady(0, 50, 1e-6));
+    const QString last = lines[lines.size() - 3];
+    const int n = QRegularExpression("^Time Steps=([0-9]+) ").match(last).captured(1).toInt();
+    EXPECT_GT(n, 50);
+    EXPECT_EQ(n % 50, 0);
+    EXPECT_TRUE(files().contains(QString("run_%1.dat").arg(n)));
+    EXPECT_EQ(files().size(), n / 50 + 1);
+    expectNormalEnd();
+}
+
+TEST_F(Drivers, NegativeCountRunsNoStepAndWritesTheStateAsItIs) {
+    EXPECT_TRUE(steady(-3, 1));
+    EXPECT_EQ(files(), QStringList({"run_0.dat"}));
+    expectNormalEnd();
+}
+
+TEST_F(Drivers, EveryDotDatIsTakenOutOfTheNameAndOnlyLowerCase) {
+    EXPECT_TRUE(steady(-1, 1, 1e-9, "a.dat.dat"));
+    EXPECT_TRUE(steady(-1, 1, 1e-9, "b"));
+    EXPECT_TRUE(steady(-1, 1, 1e-9, "c.DAT"));
+    EXPECT_EQ(files(), QStringList({"a_0.dat", "b_0.dat", "c.DAT_0.dat"}));
+}
+
+TEST_F(Drivers, NaNEndsAFixedCountWithWrong) {
+    mesh.cells2D[3].fTilde[0] = NAN;
+    EXPECT_FALSE(steady(10, 1));
+    EXPECT_EQ(lines, QStringList({"Wrong"}));
+    EXPECT_EQ(files(), QStringList({"run_0.dat"}));
+}
+
+TEST_F(Drivers, NaNEndsAnUnlimitedRunWithoutAWord) {
+    mesh.cells2D[3].fTilde[0] = NAN;
+    EXPECT_FALSE(steady(0, 1));
+    EXPECT_TRUE(lines.isEmpty());
+}
+
+TEST_F(Drivers, IntervalBelowOneStartsNothingAndSaysSo) {
+    EXPECT_FALSE(steady(5, 0));
+    EXPECT_FALSE(transient(5, -1));
+    EXPECT_EQ(lines.size(), 2);
+    EXPECT_TRUE(lines[0].contains("Terminal"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(Drivers, VelocityFileReadAfterTheMeshIsRefusedInsteadOfOverrunning) {
+    support::useD2Q13();
+    EXPECT_FALSE(steady(5, 1));
+    EXPECT_FALSE(transient(5, 1));
+    EXPECT_EQ(lines.size(), 2);
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(Drivers, EmptyMeshRunsWithoutHarm) {
+    mesh.clear();
+    EXPECT_TRUE(steady(2, 1));
+    EXPECT_TRUE(files().contains("run_0.dat"));
+}
+
+TEST_F(Drivers, StopRequestEndsTheRunBeforeItsNextStep) {
+    std::thread stopper([] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        requestStop();
+    });
+    EXPECT_FALSE(steady(0, 1000000, 0.0));
+    stopper.join();
+    EXPECT_FALSE(lines.contains("Compute done"));
+    EXPECT_EQ(files(), QStringList({"run_0.dat"}));
+}
+
+TEST_F(Drivers, VisitorIsLetInBetweenTwoStepsOfARun) {
+    std::atomic<bool> done{false};
+    std::thread run([&] {
+        steady(0, 1000000, 0.0);
+        done = true;
+    });
+    for (int n = 0; n < 50; ++n) {
+        const VisitorHold hold;
+        EXPECT_FALSE(done.load());
+    }
+    requestStop();
+    run.join();
+}
+
+TEST_F(Drivers, SteadyDriverWritesTheSameStateThatStepsGive) {
+    EXPECT_TRUE(steady(3, 100));
+    const QByteArray driven = content("run_3.dat");
+    SetUp();
+    for (int n = 0; n < 3; ++n)
+        step2D();
+    EXPECT_TRUE(steady(-1, 1, 1e-9, "byhand"));
+    EXPECT_EQ(content("byhand_0.dat"), driven);
+}
+
+TEST_F(Drivers, TransientOneStepWritesOneHistoryLineEachAndTwoFiles) {
+    EXPECT_TRUE(transient(1, 1));
+    const double fourier = caseSettings.dt * caseSettings.alpha;
+    EXPECT_EQ(files(), QStringList({"run_" + QString::number(fourier) + ".dat", "run_0.dat", "run_Tave.txt",
+                                    "run_fl.txt"}));
+    EXPECT_EQ(content("run_Tave.txt"), "0 0\r\n");
+    EXPECT_EQ(content("run_fl.txt").count("\r\n"), 1);
+    EXPECT_EQ(lines.first(), "time=0");
+    expectNormalEnd();
+}
+
+TEST_F(Drivers, DeliberateHistoriesKeepAddingToTheirPrintedMeans) {
+    caseSettings.heatOn = true;
+    caseSettings.tauG = caseSettings.dt;
+    support::assignZone(0, support::wallAt(1.0));
+    std::vector<double> means;
+    for (int n = 0; n <= 200; ++n) {
+        step2D();
+        if (n % 100 != 0)
+            continue;
+        double sum = 0.0, area = 0.0;
+        for (const CellRecord& c : mesh.cells2D) {
+            sum += c.area * c.T;
+            area += c.area;
+        }
+        means.push_back(sum / area);
+    }
+    // The area of the unit square is 1: after the first report each is (previous report + mean) / count.
+    const double second = (means[0] + means[1]) / 2.0, third = (second + means[2]) / 3.0;
+    SetUp();
+    caseSettings.heatOn = true;
+    caseSettings.tauG = caseSettings.dt;
+    support::assignZone(0, support::wallAt(1.0));
+    EXPECT_TRUE(transient(201, 1000));
+    const QList<QByteArray> history = content("run_Tave.txt").split('\n');
+    ASSERT_EQ(history.size(), 4);
+    EXPECT_NEAR(history[0].trimmed().split(' ')[1].toDouble(), means[0], 1e-5 * means[0]);
+    EXPECT_NEAR(history[1].trimmed().split(' ')[1].toDouble(), second, 1e-5 * second);
+    EXPECT_NEAR(history[2].trimmed().split(' ')[1].toDouble(), third, 1e-5 * third);
+    EXPECT_GT(std::abs(third - means[2]), 0.1 * means[2]) << "a plain mean would be told apart";
+}
+
+TEST_F(Drivers, TransientWithoutStepsWritesTheInitialState) {
+    EXPECT_TRUE(transient(0, 1));
+    EXPECT_EQ(files(), QStringList({"run_0.dat", "run_Tave.txt", "run_fl.txt"}));
+    EXPECT_TRUE(content("run_fl.txt").isEmpty());
+}
