@@ -33,7 +33,7 @@ protected:
         initialiseFields(1.0, 0.1, alpha, 0.0, 1.0, 2, 1, 0, 0, 0);
         support::assignZone(0, support::wallAt(2.0));
         support::assignZone(1, support::wallAt(1.0));
-        const int steps = support::runUntilSteady(1e-8, 500, 400000);
+        const int steps = support::runUntilSteady(1e-9, 500, 400000);
         const double error = exactSolutionError();
         std::printf("annulus %s %d x %d: error %.4e after %d steps, tauG/dt %.2f\n",
                     triangles ? "triangles" : "quads", nr, nt, error, steps,
@@ -68,20 +68,22 @@ protected:
 
 } // namespace
 
-TEST_F(Conduction, AnnulusErrorFallsAtSecondOrderOnQuadrilaterals) {
-    const double coarse = annulusError(6, 32, false, 0.016);
-    const double middle = annulusError(12, 64, false, 0.008);
-    const double fine = annulusError(24, 128, false, 0.004);
-    EXPECT_GT(std::log2(coarse / middle), 1.7);
-    EXPECT_GT(std::log2(middle / fine), 1.7);
-    EXPECT_LT(fine, 2.5e-3);
+// Twice as many cells around as across: with more of them the errors around and across have opposite signs
+// and all but cancel on some meshes, which would show an order that is not there.
+TEST_F(Conduction, AnnulusErrorFallsNearlyAtSecondOrderOnQuadrilaterals) {
+    const double coarse = annulusError(8, 16, false, 0.003);
+    const double middle = annulusError(16, 32, false, 0.003);
+    const double fine = annulusError(24, 48, false, 0.003);
+    EXPECT_GT(std::log(coarse / middle) / std::log(2.0), 1.7);
+    EXPECT_GT(std::log(middle / fine) / std::log(1.5), 1.7);
+    EXPECT_LT(fine, 3e-3);
 }
 
 TEST_F(Conduction, AnnulusErrorFallsNearlyAtSecondOrderOnTriangles) {
-    const double coarse = annulusError(6, 32, true, 0.008);
-    const double middle = annulusError(12, 64, true, 0.004);
-    EXPECT_GT(std::log2(coarse / middle), 1.5);
-    EXPECT_LT(middle, 2e-3);
+    const double coarse = annulusError(6, 18, true, 0.003);
+    const double fine = annulusError(12, 36, true, 0.003);
+    EXPECT_GT(std::log(coarse / fine) / std::log(2.0), 1.7);
+    EXPECT_LT(fine, 3.5e-3);
 }
 
 TEST_F(Conduction, SlabWithConstantFluxHasItsLinearProfile) {

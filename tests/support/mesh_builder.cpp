@@ -107,7 +107,7 @@ PlaneCells cutRectangles(int nx, int ny, double lx, double ly) {
 PlaneCells ring(int nr, int nt, double inner, double outer, bool triangles) {
     PlaneCells plane;
     for (int i = 0; i <= nr; ++i) {
-        const double r = inner + (outer - inner) * i / nr;
+        const double r = inner * std::pow(outer / inner, double(i) / nr);
         for (int t = 0; t < nt; ++t) {
             // Half a sector off the axes, so that no node lies exactly level with a centre.
             const double angle = 2.0 * std::numbers::pi * (t + 0.5) / nt;

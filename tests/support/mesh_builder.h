@@ -20,7 +20,8 @@ PlaneCells rectangles(int nx, int ny, double lx = 1.0, double ly = 1.0);
 /// The same rectangles, each cut into two triangles along alternating diagonals.
 PlaneCells cutRectangles(int nx, int ny, double lx = 1.0, double ly = 1.0);
 
-/// nr by nt quadrilaterals between two circles about the origin (`triangles` cuts each in two).
+/// nr by nt quadrilaterals between two circles about the origin, all of the same shape: their size grows with
+/// the radius. `triangles` cuts each in two.
 PlaneCells ring(int nr, int nt, double inner, double outer, bool triangles = false);
 
 /// Moves every point by a smooth displacement that leaves the boundary of the unit square where it is.
