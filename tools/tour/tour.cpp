@@ -19,6 +19,7 @@
 #include <QScopedValueRollback>
 #include <QTest>
 #include <QTextBrowser>
+#include <QThread>
 #include <QThreadPool>
 #include <QTimer>
 #include <cstdio>
@@ -209,8 +210,8 @@ private:
         press(window(), "pushButton_compute");
         QWidget& control = dialog("NUM_Process_Win");
         picture(control, "run-control-defaults");
-        type(control, "lineEdit_Process", QStringLiteral("2"));
-        type(control, "lineEdit_Time_Step", QStringLiteral("20000"));
+        type(control, "lineEdit_Process", QString::number(QThread::idealThreadCount()));
+        type(control, "lineEdit_Time_Step", QStringLiteral("0")); // until it has converged
         type(control, "lineEdit_Terminal", QStringLiteral("1000"));
         picture(control, "run-control");
         press(control, "pushButton_ok");
