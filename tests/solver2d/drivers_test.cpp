@@ -4,6 +4,7 @@
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
 #include "mesh/run_gate.h"
+#include "output/result_file.h"
 #include "output/terminal.h"
 #include "setup/initial_fields.h"
 #include "solver2d/enthalpy.h"
@@ -21,6 +22,7 @@
 #include <chrono>
 #include <cmath>
 #include <thread>
+#include <vector>
 
 using namespace fluvane;
 
@@ -58,6 +60,7 @@ protected:
         QFile file(folder.filePath(name));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
+    int historyLines(const QString& name) const { return content(name).count("\r\n"); }
     void expectNormalEnd() const {
         ASSERT_GE(lines.size(), 2);
         EXPECT_EQ(lines[lines.size() - 2], "Compute done");
@@ -235,3 +238,188 @@ TEST_F(Drivers, TransientWithoutStepsWritesTheInitialState) {
     EXPECT_EQ(files(), QStringList({"run_0.dat", "run_Tave.txt", "run_fl.txt"}));
     EXPECT_TRUE(content("run_fl.txt").isEmpty());
 }
+
+TEST_F(Drivers, TransientWithoutStepsSaysNoInstantButTheEnd) {
+    EXPECT_TRUE(transient(-2, 1, "a.dat.dat"));
+    EXPECT_EQ(files(), QStringList({"a_0.dat", "a_Tave.txt", "a_fl.txt"}));
+    EXPECT_EQ(lines.size(), 2);
+    expectNormalEnd();
+}
+
+TEST_F(Drivers, TransientFilesAreNamedByTheFourierNumberWithSixDigits) {
+    // The length enters squared; the settings are read when a file is written.
+    caseSettings.L = 2.0;
+    caseSettings.alpha = 0.123456789 * 4.0 / caseSettings.dt;
+    EXPECT_TRUE(transient(4, 2));
+    EXPECT_EQ(files(), QStringList({"run_0.246914.dat", "run_0.493827.dat", "run_0.dat", "run_Tave.txt",
+                                    "run_fl.txt"}));
+    EXPECT_EQ(lines.mid(0, lines.size() - 2), QStringList({"time=0", "time=2"}));
+}
+
+TEST_F(Drivers, OfTwoFilesWithTheSameFourierNumberTheLaterStays) {
+    caseSettings.alpha = 0.0; // every Fourier number is 0
+    EXPECT_TRUE(transient(6, 2));
+    EXPECT_EQ(files(), QStringList({"run_0.dat", "run_Tave.txt", "run_fl.txt"}));
+    const QByteArray kept = content("run_0.dat");
+    ASSERT_TRUE(writeResult2D(folder.filePath("now.dat")));
+    EXPECT_EQ(kept, content("now.dat"));
+    // The cell beside the lid moves on with every step, so an earlier instant would differ.
+    step2D();
+    ASSERT_TRUE(writeResult2D(folder.filePath("now.dat")));
+    EXPECT_NE(kept, content("now.dat"));
+}
+
+TEST_F(Drivers, DeliberateTransientRunGoesOnToItsEndOnFieldsThatAreNotNumbers) {
+    caseSettings.heatOn = true;
+    caseSettings.tauG = caseSettings.dt;
+    for (std::size_t k = 0; k < 9; ++k)
+        mesh.cells2D[3].fTilde[k] = mesh.cells2D[3].gTilde[k] = NAN;
+    EXPECT_TRUE(transient(102, 50));
+    EXPECT_TRUE(std::isnan(mesh.cells2D[3].T));
+    EXPECT_EQ(lines.mid(0, lines.size() - 2), QStringList({"time=0", "time=50", "time=100"}));
+    expectNormalEnd();
+    EXPECT_EQ(historyLines("run_Tave.txt"), 2);
+    EXPECT_TRUE(content("run_Tave.txt").contains("nan"));
+}
+
+TEST_F(Drivers, TransientRunDoesNotEndWhenNothingChangesAnyMore) {
+    support::assignZone(3, {}); // at rest from the start
+    EXPECT_TRUE(transient(5, 1));
+    EXPECT_EQ(lines.mid(0, lines.size() - 2),
+              QStringList({"time=0", "time=1", "time=2", "time=3", "time=4"}));
+}
+
+TEST_F(Drivers, InTheTemperatureFormTheFractionFollowsFromTheEnthalpyAsItStands) {
+    caseSettings.heatOn = true;
+    caseSettings.tauG = caseSettings.dt;
+    setPhaseChange(0.5, 0.2, 0.2, 0.0);
+    ASSERT_EQ(caseSettings.thermalMode, 0);
+    for (CellRecord& c : mesh.cells2D)
+        c.H = c.xc < 0.5 ? 0.75 * caseSettings.Hliquidus : -1.0;
+    support::assignZone(0, support::wallAt(1.0)); // hot enough to melt, were H advanced
+    EXPECT_TRUE(transient(1, 1));
+    EXPECT_EQ(content("run_fl.txt"), "0 0.375\r\n");
+}
+
+TEST_F(Drivers, DeliberateBothHistoriesDivideByAnAreaThatGrowsWithEveryReport) {
+    // On an area of 4: after the first report each is (previous report + 4 mean) / (4 reports).
+    const auto melting = [this] {
+        SetUp();
+        support::makeMesh(support::rectangles(4, 4, 2.0, 2.0), 4, support::sidesOfBox(2.0, 2.0));
+        initialiseFields(1.0, 0.1, 0.005, 20.0, 1.0, 2, 1, 0, 1, 1);
+        setPhaseChange(1.0, -0.1, -0.1, 0.0);
+        initialiseFields(1.0, 0.1, 0.005, 20.0, 1.0, 2, 1, 0, 1, 1);
+        // The state at T = 0 is liquid; from the left it freezes.
+        support::assignZone(0, support::wallAt(-1.0));
+        for (const int zone : {1, 2, 3})
+            support::assignZone(zone, {});
+    };
+    melting();
+    double fraction = 0.0, temperature = 0.0, area = 0.0, plainFraction = 0.0;
+    QByteArray fractions, temperatures;
+    for (int n = 0; n <= 300; ++n) {
+        step2D();
+        if (n % 100 != 0)
+            continue;
+        double sumFraction = 0.0, sumTemperature = 0.0;
+        for (const CellRecord& c : mesh.cells2D) {
+            sumFraction += c.area * liquidFraction(c.H);
+            sumTemperature += c.area * c.T;
+        }
+        area += 4.0;
+        fraction = (fraction + sumFraction) / area;
+        temperature = (temperature + sumTemperature) / area;
+        plainFraction = sumFraction / 4.0;
+        const QByteArray fourier = QByteArray::number(n * caseSettings.dt * caseSettings.alpha);
+        fractions += fourier + ' ' + QByteArray::number(fraction) + "\r\n";
+        temperatures += fourier + ' ' + QByteArray::number(temperature) + "\r\n";
+    }
+    EXPECT_GT(plainFraction, 0.1);
+    EXPECT_LT(plainFraction, 0.9) << "the front is under way";
+    EXPECT_GT(std::abs(fraction - plainFraction), 0.1 * plainFraction);
+    melting();
+    EXPECT_TRUE(transient(301, 1000));
+    EXPECT_EQ(content("run_fl.txt").toStdString(), fractions.toStdString());
+    EXPECT_EQ(content("run_Tave.txt").toStdString(), temperatures.toStdString());
+}
+
+TEST_F(Drivers, HistoriesAreCompleteToTheLastLineWhileTheRunIsGoing) {
+    int looks = 0;
+    setTerminalSink([&](const QString& line) {
+        lines.append(line);
+        if (!line.startsWith("time=") || lines.contains("Compute done"))
+            return;
+        const int reports = line.mid(5).toInt() / 100 + 1;
+        for (const char* const name : {"run_fl.txt", "run_Tave.txt"}) {
+            EXPECT_EQ(historyLines(name), reports) << name << " at " << line.toStdString();
+            EXPECT_TRUE(content(name).endsWith("\r\n")) << name;
+        }
+        ++looks;
+    });
+    EXPECT_TRUE(transient(451, 50));
+    EXPECT_EQ(looks, 10);
+    EXPECT_EQ(historyLines("run_fl.txt"), 5);
+}
+
+TEST_F(Drivers, StoppedTransientRunLeavesItsHistoriesWhole) {
+    setTerminalSink([this](const QString& line) {
+        lines.append(line);
+        if (line == "time=300")
+            requestStop();
+    });
+    EXPECT_FALSE(transient(1000000, 100));
+    EXPECT_EQ(lines, QStringList({"time=0", "time=100", "time=200", "time=300"}));
+    for (const char* const name : {"run_fl.txt", "run_Tave.txt"}) {
+        EXPECT_EQ(historyLines(name), 4) << name;
+        EXPECT_TRUE(content(name).endsWith("\r\n")) << name;
+    }
+}
+
+TEST_F(Drivers, HistoriesThatCannotBeOpenedAreLostAndTheRunGoesOn) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir("run_fl.txt") && QDir(folder.path()).mkdir("run_Tave.txt"));
+    EXPECT_TRUE(transient(1, 1));
+    EXPECT_EQ(files().size(), 2);
+    EXPECT_EQ(lines.size(), 3) << lines.join('\n').toStdString();
+    expectNormalEnd();
+}
+
+#ifdef Q_OS_LINUX
+TEST_F(Drivers, HundredThousandStepsGrowNeitherMemoryNorOpenFiles) {
+    support::makeMesh(support::rectangles(4, 4), 4, support::sidesOfBox());
+    setPhaseChange(1.0, 0.1, 0.1, 0.0);
+    initialiseFields(1.0, 0.1, 1.0, 20.0, 1.0, 0, 1, 0, 1, 1);
+    support::assignZone(0, support::wallAt(1.0));
+    struct Use {
+        int openFiles;
+        long pages;
+    };
+    const auto use = [] {
+        QFile statm("/proc/self/statm");
+        EXPECT_TRUE(statm.open(QIODevice::ReadOnly));
+        const long pages = statm.readAll().split(' ').value(1).toLong();
+        statm.close();
+        return Use{static_cast<int>(QDir("/proc/self/fd")
+                                        .entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System)
+                                        .size()),
+                   pages};
+    };
+    const Use before = use();
+    std::vector<Use> during;
+    during.reserve(100);
+    setTerminalSink([&](const QString& line) {
+        if (line.startsWith("time=") && during.size() < 100)
+            during.push_back(use());
+    });
+    constexpr int steps = 100000;
+    EXPECT_TRUE(transient(steps, steps / 20));
+    ASSERT_EQ(during.size(), 21U); // 20 save points and the clock ticks at the end
+    ASSERT_GT(before.pages, 0);
+    for (std::size_t i = 0; i < 20; ++i)
+        EXPECT_EQ(during[i].openFiles, before.openFiles + 2) << "the two histories, at save point " << i;
+    EXPECT_EQ(use().openFiles, before.openFiles);
+    // What the first steps touch for the first time is there at the second save point. 64 pages in 90000
+    // steps are 3 bytes a step, less than any allocation.
+    EXPECT_LT(use().pages, during[1].pages + 64);
+    EXPECT_EQ(historyLines("run_fl.txt"), steps / 100);
+}
+#endif
