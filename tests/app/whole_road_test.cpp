@@ -1,55 +1,18 @@
 // A case from Open to its result files, through the real windows and the real solver.
 #include "app/main_window.h"
-#include "quad_mesh_file.h"
-#include "shell_fixture.h"
+#include "case_road.h"
 
-#include <QComboBox>
 #include <QElapsedTimer>
-#include <QLineEdit>
 #include <QRegularExpression>
 #include <algorithm>
 
 using fluvane::caseSettings;
-
-namespace {
-
-void type(QWidget* dialog, const char* field, const QString& text) {
-    dialog->findChild<QLineEdit*>(QString::fromLatin1(field))->setText(text);
-}
-
-void pick(QWidget* dialog, const char* list, int index) {
-    dialog->findChild<QComboBox*>(QString::fromLatin1(list))->setCurrentIndex(index);
-}
-
-QList<QByteArray> linesOf(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QList<QByteArray> lines = file.readAll().split('\n');
-    lines.removeLast();
-    return lines;
-}
-
-/// Does the file hold one whole 2D result: head, all values, all quadrilaterals, CR LF?
-bool isWholeResult(const QString& path, int points, int cells) {
-    const QList<QByteArray> lines = linesOf(path);
-    if (lines.size() != 11 + 2 * points + 6 * cells + cells)
-        return false;
-    if (lines[8] != "ZONE N=" + QByteArray::number(points) + ", E=" + QByteArray::number(cells) +
-                        ", ZONETYPE = FEQUADRILATERAL\r")
-        return false;
-    const auto isNumber = [](const QByteArray& line) {
-        bool ok = false;
-        line.trimmed().toDouble(&ok);
-        return ok && line.endsWith('\r');
-    };
-    const int values = 11 + 2 * points + 6 * cells;
-    return std::all_of(lines.begin() + 11, lines.begin() + values, isNumber) &&
-           std::all_of(lines.begin() + values, lines.end(),
-                       [](const QByteArray& line) { return line.simplified().split(' ').size() == 4; });
-}
-
-} // namespace
+using road::compute;
+using road::isWholeResult;
+using road::linesOf;
+using road::open;
+using road::pick;
+using road::type;
 
 class WholeRoadTest : public QObject {
     Q_OBJECT
@@ -58,16 +21,6 @@ private:
     static constexpr int side = 8;
     static constexpr int cells = side * side;
     static constexpr int points = (side + 1) * (side + 1);
-
-    static void open(Shell& shell, const QuadMesh& mesh) {
-        QVERIFY(writeText(shell.path("nine.2Dv"), velocityLines));
-        QuadMeshFile file(mesh);
-        QVERIFY(file.write(shell.path("case.msh")));
-        shell.answers.names = QStringList{shell.path("nine.2Dv"), shell.path("case.msh")};
-        shell.choose("actionOpen");
-        Shell::press(Shell::dialog("Dimension_Win"), "pushButton_2D");
-        QVERIFY2(caseSettings.meshLoaded, qPrintable(shell.terminal().join('\n')));
-    }
 
     /// Lattice defaults; forced flow at Re 100, or conduction.
     static void setUp(Shell& shell, bool flow, bool steady) {
@@ -94,17 +47,6 @@ private:
             Shell::press(wizard, "pushButtonnext");
         }
         QVERIFY(caseSettings.boundaryInitialised && shell.window->isVisible());
-    }
-
-    static void compute(Shell& shell, const QString& steps, const QString& interval, const QString& name) {
-        shell.answers.names = QStringList{shell.path(name)};
-        shell.find<QPushButton>("pushButton_compute")->click();
-        QWidget* const control = Shell::dialog("NUM_Process_Win");
-        type(control, "lineEdit_Process", "2");
-        type(control, "lineEdit_Time_Step", steps);
-        type(control, "lineEdit_Terminal", interval);
-        Shell::press(control, "pushButton_ok");
-        QVERIFY(shell.window->isVisible());
     }
 
     static void prepareCavity(Shell& shell, bool steady = true, int n = side) {
@@ -202,8 +144,9 @@ private slots:
         compute(shell, "200", "200", "run");
         QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), 60000);
         const QList<QByteArray> lines = linesOf(shell.path("run_200.dat"));
-        QVERIFY(lines.size() > 11 + 2 * points + 2 * cells);
-        const double besideLid = lines[11 + 2 * points + cells + cells - side / 2].trimmed().toDouble();
+        QVERIFY(lines.size() > road::headLines + 2 * points + 2 * cells);
+        const double besideLid =
+            lines[road::headLines + 2 * points + cells + cells - side / 2].trimmed().toDouble();
         QVERIFY2(besideLid > 0.1 && besideLid < 1, QByteArray::number(besideLid).constData());
     }
 
