@@ -34,6 +34,20 @@ private slots:
         QCOMPARE(field(window, "lineEdit_Fl")->text(), QString("0"));
     }
 
+    void fieldsAreFilledOnceAndKeepTheirTextsBetweenOpenings() {
+        Solid_liquid window;
+        window.show();
+        type(field(window, "lineEdit_Ste"), "0.25");
+        click(button(window, "pushButton_cancel"));
+        window.hide();
+        fluvane::caseSettings.Tl = 0.5;
+        fluvane::caseSettings.Ste = 7.0;
+        window.show();
+        QCOMPARE(field(window, "lineEdit_Ste")->text(), QString("0.25"));
+        QCOMPARE(field(window, "lineEdit_Tl")->text(), QString("0"));
+        QCOMPARE(field(window, "lineEdit_Ts")->text(), QString("0"));
+    }
+
     void fieldsHaveTheirRanges() {
         const Solid_liquid window;
         QCOMPARE(rangeOf(field(window, "lineEdit_Fl")), QString("0 1 6"));

@@ -372,6 +372,32 @@ TEST_F(InitialFields, EnthalpyFollowsFromZeroTemperatureWhateverLiquidFractionWa
     }
 }
 
+// Deliberate: whatever initial liquid fraction was typed.
+TEST_F(InitialFields, ResetAfterThePhaseChangeSetUpStartsFromTheEnthalpyOfZeroTemperature) {
+    Inputs in;
+    in.phase = 1;
+    in.apply();
+    setPhaseChange(0.1, 0.5, 0.7, 0.75);
+    resetFields2D();
+    ASSERT_EQ(s.Fl0, 0.75);
+    EXPECT_NEAR(mesh.cells2D[2].H, -0.6, 1e-12) << "as cold as the solidus is above 0";
+    EXPECT_EQ(mesh.cells2D[2].T, 0.0);
+}
+
+// The latent heat is of the physics that were confirmed before it.
+TEST_F(InitialFields, NewPhysicsLeaveThePhaseChangeAsItWasSetUp) {
+    Inputs in;
+    in.phase = 1;
+    in.apply();
+    setPhaseChange(0.5, 0.1, 0.1, 0.0);
+    ASSERT_EQ(s.latentHeat, 8.0);
+    in.dT = 1.0;
+    in.apply();
+    EXPECT_EQ(s.latentHeat, 8.0);
+    EXPECT_EQ(s.Hliquidus, 2.0 * 0.0001 + 8.0);
+    EXPECT_EQ(s.Tm, 0.1 + 0.0001);
+}
+
 TEST_F(InitialFields, ResetRestoresTheFieldsAndLeavesTheParameters) {
     Inputs().apply();
     const double niu = s.niu;

@@ -118,3 +118,22 @@ TEST_F(CellKernels, CellExactlyAtTheSolidusIsHeldStillUnlessLftfIsOn) {
         EXPECT_EQ(c.v, lftf ? 0.2 : 0.0);
     }
 }
+
+TEST_F(CellKernels, CellHalfMeltedFlowsAndOneWithLessIsHeldStill) {
+    setPhaseChange(0.8, 0.4, 0.5, 0.0);
+    caseSettings.thermalMode = 1;
+    caseSettings.flowOn = 0;
+    for (const bool half : {true, false}) {
+        CellRecord& c = mesh.cells2D[7];
+        c.u = 0.3;
+        for (std::size_t k = 0; k < 9; ++k)
+            c.gTildePlus[k] = 0.0;
+        c.gTildePlus[0] = caseSettings.Hliquidus * (half ? 0.5 : 0.4999);
+        for (std::size_t j = 0; j < 4; ++j)
+            for (std::size_t k = 0; k < 9; ++k)
+                mesh.faces2D[static_cast<std::size_t>(c.faces[j])].gFace[k] = 0.0;
+        updateCell(c);
+        EXPECT_EQ(liquidFraction(c.H) < 0.5, !half);
+        EXPECT_EQ(c.u, half ? 0.3 : 0.0);
+    }
+}

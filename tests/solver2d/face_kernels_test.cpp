@@ -240,6 +240,51 @@ TEST_F(FaceKernels, WallForceFollowsTheWallTemperatureOnlyWithBuoyancy) {
     EXPECT_EQ(face.Fy, caseSettings.buoyancyCoeff * 0.5);
 }
 
+TEST_F(FaceKernels, WallsOfEachThermalKindTakeTheirEnthalpyAndTheTemperatureThatBelongsToIt) {
+    setPhaseChange(0.8, 0.4, 0.5, 0.0);
+    caseSettings.thermalMode = 1;
+    caseSettings.flowOn = 0;
+    FaceRecord& face = wall(2);
+    mesh.cells2D[static_cast<std::size_t>(face.c0)].H = 0.3;
+    face.thermalKind = 0;
+    treatBoundaryFace(face);
+    EXPECT_EQ(face.H, 0.3);
+    EXPECT_EQ(face.T, temperatureOf(0.3));
+    face.thermalKind = 1;
+    face.T = 0.9;
+    treatBoundaryFace(face);
+    EXPECT_EQ(face.H, enthalpyOf(0.9));
+    EXPECT_NEAR(face.T, 0.9, 1e-14);
+    // The anti-mirror uses the wall's temperature, not its enthalpy.
+    const double bar = heatFrom(face, cellOf(face), south);
+    EXPECT_NEAR(face.gFace[north], 2.0 / 9.0 * 0.9 - bar, 1e-14);
+    // A flux sums the enthalpy as it sums the temperature in the other form.
+    face.thermalKind = 2;
+    face.q = 0.2;
+    caseSettings.thermalMode = 0;
+    treatBoundaryFace(face);
+    const double sum = face.T;
+    caseSettings.thermalMode = 1;
+    treatBoundaryFace(face);
+    EXPECT_EQ(face.H, sum);
+    EXPECT_EQ(face.T, temperatureOf(sum));
+    EXPECT_GT(std::abs(face.T - sum), 0.01);
+}
+
+TEST_F(FaceKernels, WallHalfMeltedKeepsItsVelocityAndOneWithLessLosesIt) {
+    setPhaseChange(0.8, 0.4, 0.5, 0.0);
+    caseSettings.thermalMode = 1;
+    FaceRecord& face = wall(3);
+    face.thermalKind = 0;
+    face.u = 0.08;
+    mesh.cells2D[static_cast<std::size_t>(face.c0)].H = 0.5 * caseSettings.Hliquidus;
+    treatBoundaryFace(face);
+    EXPECT_EQ(face.u, 0.08);
+    mesh.cells2D[static_cast<std::size_t>(face.c0)].H = 0.4999 * caseSettings.Hliquidus;
+    treatBoundaryFace(face);
+    EXPECT_EQ(face.u, 0.0);
+}
+
 TEST_F(FaceKernels, DeliberateIceReplacesTheWallVelocityByZeroForGood) {
     setPhaseChange(0.8, 0.4, 0.5, 0.0);
     caseSettings.thermalMode = 1;

@@ -3,11 +3,14 @@
 
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
+#include "solver2d/enthalpy.h"
+#include "solver2d/equilibrium.h"
 #include "support/mesh_builder.h"
 #include "support/random_state.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <omp.h>
@@ -167,6 +170,50 @@ TEST_F(TimeStep, AdiabaticBoxKeepsItsHeatToRounding) {
     for (int n = 0; n < 200; ++n)
         step2D();
     EXPECT_NEAR(heat(), before, 1e-12 * std::abs(before));
+}
+
+TEST_F(TimeStep, AdiabaticCavityKeepsItsEnthalpyToRoundingWhileItMelts) {
+    const auto enthalpy = [] {
+        double total = 0.0;
+        for (const CellRecord& c : mesh.cells2D)
+            total += c.area * c.H;
+        return total;
+    };
+    const auto liquid = [] {
+        double total = 0.0;
+        for (const CellRecord& c : mesh.cells2D)
+            total += c.area * liquidFraction(c.H);
+        return total;
+    };
+    for (const bool lftf : {false, true}) {
+        prepare();
+        caseSettings.thermalMode = 1;
+        caseSettings.lftfOn = lftf;
+        setPhaseChange(5.0, 0.4, 0.4, 0.0);
+        restOnAllFaces();
+        // Hot liquid below, ice on the point of melting above; the walls at rest.
+        for (CellRecord& c : mesh.cells2D) {
+            c.u = c.v = c.Fx = c.Fy = 0.0;
+            c.T = c.yc < 0.5 ? 1.0 : 0.395;
+            c.H = enthalpyOf(c.T);
+            for (int k = 0; k < 9; ++k) {
+                c.fTilde[k] = feq(k, 1.0, 0.0, 0.0);
+                c.gTilde[k] = geqH(k, c.H, c.T, 0.0, 0.0);
+            }
+        }
+        for (FaceRecord& face : mesh.faces2D)
+            face.flowKind = face.thermalKind = 0;
+        const double before = enthalpy();
+        const double liquidBefore = liquid();
+        double moved = 0.0;
+        for (int n = 0; n < 300; ++n)
+            step2D();
+        for (const CellRecord& c : mesh.cells2D)
+            moved = std::max(moved, std::abs(c.v));
+        EXPECT_NEAR(enthalpy(), before, 1e-12 * std::abs(before)) << "LFTF " << lftf;
+        EXPECT_GT(std::abs(liquid() - liquidBefore), 1e-3) << "the front has moved, LFTF " << lftf;
+        EXPECT_GT(moved, 1e-6) << "and so has the liquid";
+    }
 }
 
 TEST_F(TimeStep, UniformStateAtRestStaysUniform) {
