@@ -21,7 +21,10 @@ bool runSteady2D(MainWindow* window, unsigned threads, double tolU, double tolT,
                  const QString& fileName);
 
 /// Runs a transient case for a fixed number of steps. Files are named by the Fourier number; the mean liquid
-/// fraction and the mean temperature are written every 100 steps.
+/// fraction and the mean temperature are written every 100 steps, each line at once, and in the temperature
+/// form the fraction follows from the enthalpy as it stands. Of two files with the same Fourier number in six
+/// digits the later stays. Deliberate: the run goes on to its end on fields that are not numbers.
+/// Returns false on a refusal or when the program is closing, else true.
 bool runTransient2D(MainWindow* window, unsigned threads, int steps, int saveInterval,
                     const QString& fileName);
 

@@ -417,9 +417,11 @@ TEST_F(Drivers, HundredThousandStepsGrowNeitherMemoryNorOpenFiles) {
     for (std::size_t i = 0; i < 20; ++i)
         EXPECT_EQ(during[i].openFiles, before.openFiles + 2) << "the two histories, at save point " << i;
     EXPECT_EQ(use().openFiles, before.openFiles);
-    // What the first steps touch for the first time is there at the second save point. 64 pages in 90000
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // those keep what was freed
+    // What the first steps touch for the first time is there at the second save point. 64 pages in 95000
     // steps are 3 bytes a step, less than any allocation.
     EXPECT_LT(use().pages, during[1].pages + 64);
+#endif
     EXPECT_EQ(historyLines("run_fl.txt"), steps / 100);
 }
 #endif
