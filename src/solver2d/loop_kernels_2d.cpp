@@ -251,8 +251,8 @@ FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const StepData2
     const double dx1 = face.xf - cell1.xc, dy1 = face.yf - cell1.yc;
     const double* const bar0 = barPlus + face.c0 * q;
     const double* const bar1 = barPlus + face.c1 * q;
-    const double* const gx0 = gradient + 2 * face.c0 * q;
-    const double* const gx1 = gradient + 2 * face.c1 * q;
+    const double* const gx0 = gradient + 2 * q * face.c0;
+    const double* const gx1 = gradient + 2 * q * face.c1;
     const double Sx = face.S0x, Sy = face.S0y;
     overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
         using R = decltype(row);
@@ -327,7 +327,7 @@ OneSided oneSided(const StepConstants& c, const StepData2D& d, const FaceRecord&
                   const double* gradient) {
     const std::ptrdiff_t q = c.velocityCount;
     const CellRecord& cell = d.cells[face.c0];
-    const double* const gx = gradient + 2 * face.c0 * q;
+    const double* const gx = gradient + 2 * q * face.c0;
     return {barPlus + face.c0 * q, gx, gx + q, face.xf - cell.xc, face.yf - cell.yc, c.halfStep};
 }
 

@@ -34,15 +34,15 @@ struct Lanes {
 #if FLUVANE_VECTORS
 template <>
 struct Lanes<2> {
-    typedef double type __attribute__((vector_size(16)));
+    using type = double __attribute__((vector_size(16)));
 };
 template <>
 struct Lanes<4> {
-    typedef double type __attribute__((vector_size(32)));
+    using type = double __attribute__((vector_size(32)));
 };
 template <>
 struct Lanes<8> {
-    typedef double type __attribute__((vector_size(64)));
+    using type = double __attribute__((vector_size(64)));
 };
 #endif
 
