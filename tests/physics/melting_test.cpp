@@ -147,7 +147,7 @@ protected:
     static double meltingError(int n, double alpha, int variant, double Ste) {
         strip(n, n / 5, alpha, variant, Ste, 0.0, 1.0);
         std::printf("melting, Ste %g, variant %d, %d cells: ", Ste, variant, n);
-        return frontError(onePhaseLambda(Ste), {0.4, 0.6}, false);
+        return frontError(onePhaseLambda(Ste), {0.4, 0.5}, false);
     }
 
     static double freezingError(int n, int variant) {
