@@ -28,6 +28,11 @@ SHIPPED = [
     ("heated-cavity/heated_cavity_64.msh", "heated-cavity", 64, False),
     ("heated-cavity/heated_cavity_128.msh", "heated-cavity", 128, False),
     ("heated-cavity/heated_cavity_tri.msh", "heated-cavity", 32, True),
+    ("melting-slab/melting_slab_5.msh", "melting-slab", 5, False),
+    ("melting-slab/melting_slab_10.msh", "melting-slab", 10, False),
+    ("melting-slab/melting_slab_20.msh", "melting-slab", 20, False),
+    ("melting-cavity/melting_cavity_24.msh", "melting-cavity", 24, False),
+    ("melting-cavity/melting_cavity_48.msh", "melting-cavity", 48, False),
 ]
 
 
@@ -49,7 +54,7 @@ def write_shipped(folder):
 def parse(arguments):
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("shape", choices=["all", *SHAPES], help="'all' writes every mesh the cases ship with")
-    parser.add_argument("--cells", type=int, help="cells across the square, the channel's height or the gap")
+    parser.add_argument("--cells", type=int, help="cells across the square, the channel's or slab's height or the gap")
     parser.add_argument("--triangles", action="store_true", help="free triangles, made by Gmsh")
     parser.add_argument("--out", type=pathlib.Path, help="the file to write; with 'all', the folder (default: cases/)")
     options = parser.parse_args(arguments)

@@ -1,10 +1,11 @@
-"""The domains of the sample cases as points and cells: squares, a channel and an annulus."""
+"""The domains of the sample cases as points and cells: squares, a channel, a slab and an annulus."""
 
 from decimal import Decimal, localcontext
 
 from fluent_mesh import MeshError, build_mesh, number_points_by_use, sort_along_curve
 
 CHANNEL_LENGTH = 6  # channel heights
+SLAB_LENGTH = 5  # slab heights
 INNER_RADIUS = Decimal("0.9")
 OUTER_RADIUS = Decimal("3")
 PI = Decimal("3.14159265358979323846264338327950288419716939937510")
@@ -16,7 +17,7 @@ class GmshMissing(RuntimeError):
 
 
 class Rectangle:
-    """A rectangle with its lower left corner in the origin and one zone a side."""
+    """A rectangle of height 1 with its lower left corner in the origin and one zone a side."""
 
     def __init__(self, length, bottom, left, right, top, zone_order):
         self.length = length
@@ -115,13 +116,16 @@ SHAPES = {
     # The moving wall comes last: the wizard's velocity boxes keep what was typed on the page before.
     "cavity": Rectangle(1, "bottom", "left", "right", "lid", ("bottom", "left", "right", "lid")),
     "heated-cavity": Rectangle(1, "bottom", "left", "right", "top", ("left", "right", "bottom", "top")),
+    "melting-cavity": Rectangle(1, "bottom", "left", "right", "top", ("left", "right", "bottom", "top")),
+    # Five heights long: adiabatic walls slow conduction along them, which a lower slab would show.
+    "melting-slab": Rectangle(SLAB_LENGTH, "bottom", "left", "right", "top", ("left", "right", "bottom", "top")),
     "channel": Rectangle(CHANNEL_LENGTH, "bottom", "inlet", "outlet", "top", ("bottom", "top", "inlet", "outlet")),
     "annulus": Annulus(),
 }
 
 
 def structured_mesh(shape_name, cells):
-    """Quadrilaterals, `cells` of them across the square, the channel's height or the annulus' gap."""
+    """Quadrilaterals, `cells` of them across the square, the channel's or slab's height or the annulus' gap."""
     shape = SHAPES[shape_name]
     points, quads = shape.quads(cells)
     return build_mesh(points, quads, shape.zone_of, shape.zone_order)

@@ -17,15 +17,15 @@ def total_area(mesh):
 
 
 class Squares(unittest.TestCase):
-    def test_both_cavities_fill_the_unit_square(self):
-        for shape in ("cavity", "heated-cavity"):
+    def test_all_cavities_fill_the_unit_square(self):
+        for shape in ("cavity", "heated-cavity", "melting-cavity"):
             mesh = parsed(shape, 10)
             self.assertEqual(len(mesh.cell_codes), 100)
             self.assertAlmostEqual(total_area(mesh), 1.0, delta=1e-14)
 
     def test_zones_lie_on_their_sides(self):
         sides = {"bottom": (1, 0.0), "left": (0, 0.0), "right": (0, 1.0), "lid": (1, 1.0), "top": (1, 1.0)}
-        for shape in ("cavity", "heated-cavity"):
+        for shape in ("cavity", "heated-cavity", "melting-cavity"):
             mesh = parsed(shape, 7)
             self.assertEqual(len(mesh.zones), 4)
             for name, faces in mesh.zones:
@@ -36,7 +36,8 @@ class Squares(unittest.TestCase):
 
     def test_moving_walls_come_last_and_heated_walls_first(self):
         self.assertEqual([name for name, _ in parsed("cavity", 2).zones], ["bottom", "left", "right", "lid"])
-        self.assertEqual([name for name, _ in parsed("heated-cavity", 2).zones], ["left", "right", "bottom", "top"])
+        for shape in ("heated-cavity", "melting-cavity", "melting-slab"):
+            self.assertEqual([name for name, _ in parsed(shape, 2).zones], ["left", "right", "bottom", "top"])
 
 
 class Channel(unittest.TestCase):
@@ -51,6 +52,19 @@ class Channel(unittest.TestCase):
         for name, place in (("inlet", 0.0), ("outlet", 6.0)):
             for n0, n1, _, _ in dict(mesh.zones)[name]:
                 self.assertEqual((mesh.points[n0 - 1][0], mesh.points[n1 - 1][0]), (place, place))
+
+
+class Slab(unittest.TestCase):
+    def test_is_five_heights_long_and_heated_at_its_short_side(self):
+        mesh = parsed("melting-slab", 4)
+        self.assertEqual(len(mesh.cell_codes), 4 * 20)
+        self.assertAlmostEqual(total_area(mesh), 5.0, delta=1e-13)
+        self.assertEqual(
+            [(name, len(faces)) for name, faces in mesh.zones],
+            [("left", 4), ("right", 4), ("bottom", 20), ("top", 20)],
+        )
+        for n0, n1, _, _ in dict(mesh.zones)["left"]:
+            self.assertEqual((mesh.points[n0 - 1][0], mesh.points[n1 - 1][0]), (0.0, 0.0))
 
 
 class Ring(unittest.TestCase):

@@ -8,12 +8,21 @@ import strict_reader
 
 CASES = make_sample_meshes.CASES
 LIMIT = 1 << 20
-AREAS = {"cavity": 1.0, "heated-cavity": 1.0, "channel": 6.0, "annulus": math.pi * (3.0**2 - 0.9**2)}
+AREAS = {
+    "cavity": 1.0,
+    "heated-cavity": 1.0,
+    "channel": 6.0,
+    "annulus": math.pi * (3.0**2 - 0.9**2),
+    "melting-slab": 5.0,
+    "melting-cavity": 1.0,
+}
 ZONES = {
     "cavity": ["bottom", "left", "right", "lid"],
     "heated-cavity": ["left", "right", "bottom", "top"],
     "channel": ["bottom", "top", "inlet", "outlet"],
     "annulus": ["inner", "outer"],
+    "melting-slab": ["left", "right", "bottom", "top"],
+    "melting-cavity": ["left", "right", "bottom", "top"],
 }
 
 
