@@ -404,8 +404,10 @@ bool buildGeometry2D() {
 
 double minFaceLength2D() {
     double smallest = 10000.0;
-    for (std::int32_t i = 0; i < mesh.totalFaceCount(); ++i)
-        smallest = std::min(smallest, faceAt(i).length);
+    // The zones may count the faces of the other dimension.
+    const auto counted = static_cast<std::size_t>(mesh.totalFaceCount());
+    for (std::size_t i = 0; i < std::min(counted, mesh.faces2D.size()); ++i)
+        smallest = std::min(smallest, mesh.faces2D[i].length);
     return smallest;
 }
 

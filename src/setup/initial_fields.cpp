@@ -21,7 +21,6 @@ namespace {
 
 constexpr double initialDensity = 1.0;
 constexpr double initialTemperature = 0.0;
-constexpr double spacingWithoutFaces = 10000.0;
 
 struct UniformState {
     std::array<double, VelocitySet::capacity> f{};
@@ -101,23 +100,16 @@ void setConduction(double diffusivity) {
 
 /// The same rule as minFaceLength2D(), over the areas of the 3D faces.
 double smallestFaceArea3D() {
-    double smallest = spacingWithoutFaces;
-    const auto count = static_cast<std::size_t>(std::max(mesh.totalFaceCount(), 0));
-    for (std::size_t i = 0; i < std::min(count, mesh.faces3D.size()); ++i)
+    double smallest = 10000.0;
+    const auto counted = static_cast<std::size_t>(mesh.totalFaceCount());
+    for (std::size_t i = 0; i < std::min(counted, mesh.faces3D.size()); ++i)
         smallest = std::min(smallest, mesh.faces3D[i].area);
     return smallest;
 }
 
-/// The smallest face measure of the current dimension, also when the mesh has the other one.
-double smallestFace() {
-    if (caseSettings.is3D)
-        return smallestFaceArea3D();
-    return mesh.faces2D.empty() ? spacingWithoutFaces : minFaceLength2D();
-}
-
 void setSpacingAndTimeStep() {
     CaseSettings& s = caseSettings;
-    s.dx = smallestFace();
+    s.dx = s.is3D ? smallestFaceArea3D() : minFaceLength2D();
     // Deliberate: flowOn is never 2, so the diffusive limit is never chosen; the rule is kept beside the one
     // in use.
     if (s.flowOn == 2)

@@ -320,6 +320,13 @@ TEST_F(Geometry2DTest, SlantedLinesOfCellsAreSingularToo) {
     EXPECT_EQ(mesh.cells2D[2].lsq[0].x, 0.0);
 }
 
+TEST_F(Geometry2DTest, ZonesWithoutFacesOfThisDimensionHaveNoSmallestLength) {
+    mesh.clear();
+    mesh.zoneCount = 1;
+    mesh.zoneLastFace[0] = 12;
+    EXPECT_EQ(minFaceLength2D(), 10000.0);
+}
+
 TEST_F(Geometry2DTest, StretchedCellsAreNotSingular) {
     readGrid(4, 4);
     for (double& y : mesh.pointY)
