@@ -141,8 +141,10 @@ struct alignas(64) FaceRecord3D {
     double* gFace = nullptr;
 };
 
-/// A 3D cell: a tetrahedron for the solver, with at most 24 least-squares neighbours.
+/// A 3D cell: a tetrahedron for the solver; at most six faces, eight nodes and 24 least-squares neighbours.
 struct alignas(64) CellRecord3D {
+    static constexpr std::int32_t maxFaces = 6;
+    static constexpr std::int32_t maxNodes = 8;
     static constexpr std::int32_t maxNeighbours = 24;
 
     double rho = 1.0;
@@ -163,7 +165,7 @@ struct alignas(64) CellRecord3D {
     double wPrev = 0.0;
     double TPrev = 0.0;
 
-    std::array<Vec3, 6> normals{}; ///< outward unit normal across faces[j]
+    std::array<Vec3, maxFaces> normals{}; ///< outward unit normal across faces[j]
     std::array<std::int32_t, 6> faces{-1, -1, -1, -1, -1, -1};
     std::int32_t faceCount = 0;
     std::int32_t nodeCount = 0;
@@ -253,6 +255,11 @@ public:
     /// Creates the compact neighbour and weight lists and points the records' slices into them.
     /// `start` holds cellCount + 1 ascending offsets. The lists are zero until they are filled.
     void allocateNeighbours2D(std::vector<std::int32_t> start);
+
+    /// The same for the records of a 3D mesh.
+    void allocateFaces3D(std::int32_t count);
+    void allocateCells3D(std::int32_t count);
+    void allocateNeighbours3D(std::vector<std::int32_t> start);
 
     /// False when another velocity set was read after the mesh: the records' arrays have another size.
     bool matchesVelocitySet() const;

@@ -1,0 +1,17 @@
+// Reads a three-dimensional Fluent ASCII mesh.
+#pragma once
+
+#include <QString>
+
+namespace fluvane {
+
+/// Reads points, faces, boundary zones and zone names into `mesh`; the velocity set must have been read
+/// before. Deliberate: there is one point more than the file declares, at (0, 0, 0). The previous mesh, of
+/// whatever dimension, is gone in every case.
+///
+/// Returns true at the end of the file, and also, with an empty mesh and a problem line, when the file cannot
+/// be opened for reading and writing. Returns false with an empty mesh and a problem line naming file, line,
+/// expected and found when the file is two-dimensional or not of the supported layout.
+bool readMesh3D(const QString& path);
+
+} // namespace fluvane
