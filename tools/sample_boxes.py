@@ -111,6 +111,6 @@ def _place(grid, counts, spacing, jitter):
     for place in grid:
         inside = all(0 < index < count for index, count in zip(place, counts))
         if jitter and inside:
-            place = [index + round(jitter * (2.0 * generator.random() - 1.0), 6) for index in place]
+            place = [round(index + jitter * (2.0 * generator.random() - 1.0), 6) for index in place]
         points.append(tuple(index * length for index, length in zip(place, spacing)))
     return points
