@@ -100,7 +100,8 @@ class Spacing(unittest.TestCase):
         mesh = parsed("heated-cube", 4, spacing=(0.5, 1.0, 2.25))
         self.assertEqual([max(axis) for axis in zip(*mesh.points)], [2.0, 4.0, 9.0])
         self.assertAlmostEqual(math.fsum(volumes(mesh)), 72.0, delta=1e-11)
-        self.assertEqual([(name, len(faces)) for name, faces in mesh.zones], [("hot", 32), ("cold", 32), ("adiabatic", 128)])
+        found = [(name, len(faces)) for name, faces in mesh.zones]
+        self.assertEqual(found, [("hot", 32), ("cold", 32), ("adiabatic", 128)])
 
     def test_unusable_lengths_are_refused(self):
         for length in (0.0, -1.0, math.inf, math.nan):
