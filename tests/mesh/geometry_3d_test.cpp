@@ -312,7 +312,7 @@ TEST_F(Geometry3DTest, SingularSystemsGetZeroWeightsAndOneProblemLine) {
 }
 
 TEST_F(Geometry3DTest, CentresInASlantedPlaneAreSingularToo) {
-    for (unsigned seed = 1; seed <= 200; ++seed) {
+    for (unsigned seed = 1; seed <= 60; ++seed) {
         setFan(5 + static_cast<int>(seed % 5), seed);
         const std::string count = std::to_string(5 + seed % 5) + " in all";
         expectRemarks({count.c_str()});
@@ -324,6 +324,18 @@ TEST_F(Geometry3DTest, StretchedCellsAreNeitherSingularNorFlat) {
     setDistortedBox(3, 3, 3);
     for (double& z : mesh.pointZ)
         z *= 1e-6;
+    ASSERT_TRUE(buildGeometry3D());
+    EXPECT_EQ(problems(0), "");
+}
+
+TEST_F(Geometry3DTest, CellsStretchedAlongASlantedAxisAreNotSingularEither) {
+    setDistortedBox(3, 3, 3);
+    for (std::size_t p = 0; p < mesh.pointX.size(); ++p) {
+        const double x = mesh.pointX[p], y = mesh.pointY[p], z = mesh.pointZ[p] * 1e-4;
+        mesh.pointX[p] = (2.0 * x + 2.0 * y + z) / 3.0;
+        mesh.pointY[p] = (x - 2.0 * y + 2.0 * z) / 3.0;
+        mesh.pointZ[p] = (2.0 * x - y - 2.0 * z) / 3.0;
+    }
     ASSERT_TRUE(buildGeometry3D());
     EXPECT_EQ(problems(0), "");
 }
@@ -348,6 +360,20 @@ TEST_F(Geometry3DTest, FaceWithoutAreaHasNoNormal) {
     EXPECT_EQ(mesh.faces3D[0].n0y, 0.0);
     EXPECT_EQ(mesh.faces3D[0].n0z, 0.0);
     EXPECT_EQ(minFaceArea3D(), 0.0);
+}
+
+TEST_F(Geometry3DTest, ThinTriangleNeverHasAnAreaThatIsNoNumber) {
+    std::mt19937 random(8);
+    std::uniform_real_distribution<double> number(0.0, 1.0);
+    for (int round = 0; round < 100; ++round) {
+        const Vec3 a{number(random), number(random), number(random)};
+        const double s = number(random);
+        setMeshOfCells({{0, 0, 0}, a, {s * a.x, s * a.y, s * a.z}, {0, 0, -1}}, {tetrahedron(0, 1, 2, 3)});
+        EXPECT_TRUE(buildGeometry3D());
+        EXPECT_GE(mesh.faces3D[0].area, 0.0);
+        EXPECT_LT(mesh.faces3D[0].area, 1e-7);
+        takeProblems();
+    }
 }
 
 TEST_F(Geometry3DTest, CoordinatesThatAreNoNumbersOrHugeDoNoHarm) {
