@@ -166,6 +166,7 @@ struct alignas(64) CellRecord3D {
     double TPrev = 0.0;
 
     std::array<Vec3, maxFaces> normals{}; ///< outward unit normal across faces[j]
+    std::array<double, maxFaces> areas{}; ///< area of faces[j]
     std::array<std::int32_t, 6> faces{-1, -1, -1, -1, -1, -1};
     std::int32_t faceCount = 0;
     std::int32_t nodeCount = 0;

@@ -3,6 +3,7 @@
 
 #include "dialogs/case_settings.h"
 #include "mesh/geometry_2d.h"
+#include "mesh/geometry_3d.h"
 #include "mesh/mesh.h"
 #include "output/terminal.h"
 #include "solver2d/enthalpy.h"
@@ -98,18 +99,9 @@ void setConduction(double diffusivity) {
     s.tauG = s.alpha / s.RT;
 }
 
-/// The same rule as minFaceLength2D(), over the areas of the 3D faces.
-double smallestFaceArea3D() {
-    double smallest = 10000.0;
-    const auto counted = static_cast<std::size_t>(mesh.totalFaceCount());
-    for (std::size_t i = 0; i < std::min(counted, mesh.faces3D.size()); ++i)
-        smallest = std::min(smallest, mesh.faces3D[i].area);
-    return smallest;
-}
-
 void setSpacingAndTimeStep() {
     CaseSettings& s = caseSettings;
-    s.dx = s.is3D ? smallestFaceArea3D() : minFaceLength2D();
+    s.dx = s.is3D ? minFaceArea3D() : minFaceLength2D();
     // Deliberate: flowOn is never 2, so the diffusive limit is never chosen; the rule is kept beside the one
     // in use.
     if (s.flowOn == 2)

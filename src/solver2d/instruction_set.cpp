@@ -1,5 +1,8 @@
 // Picks the kernels for the machine's instruction set at run time.
+#include "solver2d/instruction_set.h"
+
 #include "solver2d/loop_kernels_2d.h"
+#include "solver3d/loop_kernels_3d.h"
 
 #include <atomic>
 
@@ -7,14 +10,17 @@ namespace fluvane {
 
 namespace baseline {
 const LoopKernels2D& loopKernels2D(int velocityCount);
-}
+const LoopKernels3D& loopKernels3D(int velocityCount);
+} // namespace baseline
 #if defined(FLUVANE_X86_KERNELS)
 namespace avx2 {
 const LoopKernels2D& loopKernels2D(int velocityCount);
-}
+const LoopKernels3D& loopKernels3D(int velocityCount);
+} // namespace avx2
 namespace avx512 {
 const LoopKernels2D& loopKernels2D(int velocityCount);
-}
+const LoopKernels3D& loopKernels3D(int velocityCount);
+} // namespace avx512
 #endif
 
 InstructionSet widestInstructionSet() {
@@ -60,6 +66,20 @@ const LoopKernels2D& loopKernels2D(int velocityCount) {
     }
 #endif
     return baseline::loopKernels2D(velocityCount);
+}
+
+const LoopKernels3D& loopKernels3D(int velocityCount) {
+#if defined(FLUVANE_X86_KERNELS)
+    switch (instructionSetInUse()) {
+    case InstructionSet::avx512:
+        return avx512::loopKernels3D(velocityCount);
+    case InstructionSet::avx2:
+        return avx2::loopKernels3D(velocityCount);
+    case InstructionSet::baseline:
+        break;
+    }
+#endif
+    return baseline::loopKernels3D(velocityCount);
 }
 
 } // namespace fluvane

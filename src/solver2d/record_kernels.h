@@ -3,6 +3,7 @@
 
 #include "mesh/mesh.h"
 #include "solver2d/loop_kernels_2d.h"
+#include "solver3d/loop_kernels_3d.h"
 
 namespace fluvane {
 
@@ -16,6 +17,11 @@ std::int32_t indexIn(const HugeArray<Record>& records, const Record& record) {
 inline void runOnRecord(LoopKernel2D LoopKernels2D::*kernel, std::int32_t i) {
     const StepConstants constants = stepConstants2D();
     (loopKernels2D(constants.velocityCount).*kernel)(constants, stepData2D(), i, i + 1);
+}
+
+inline void runOnRecord(LoopKernel3D LoopKernels3D::*kernel, std::int32_t i,
+                        const StepConstants& constants = stepConstants3D()) {
+    (loopKernels3D(constants.velocityCount).*kernel)(constants, stepData3D(), i, i + 1);
 }
 
 } // namespace fluvane

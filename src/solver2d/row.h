@@ -118,12 +118,28 @@ struct Row<0> {
     FLUVANE_FORCE_INLINE friend Row operator*(double, const Row&) { return {}; }
 };
 
-/// Calls body(row, k) for pieces that together cover velocities 0 .. count - 1: one piece of Q when Q is
-/// known at compile time, pieces of four and of one when it is not (Q = 0). `row` only carries the type.
+/// The longest piece of a row that is worked on at once: up to nine numbers whole, longer rows in pieces of
+/// two vectors, of which a kernel keeps several in registers.
+template <int Q>
+constexpr int pieceSize() {
+    constexpr int two = 2 * laneCount < 4 ? 4 : 2 * laneCount;
+    return Q <= 9 || Q < two ? Q : two;
+}
+
+template <int Q, int First, class Body>
+FLUVANE_FORCE_INLINE void overPieces(const Body& body) {
+    constexpr int size = Q - First < pieceSize<Q>() ? Q - First : pieceSize<Q>();
+    body(Row<size>{}, First);
+    if constexpr (First + size < Q)
+        overPieces<Q, First + size>(body);
+}
+
+/// Calls body(row, k) for pieces that together cover velocities 0 .. count - 1: pieces of sizes known at
+/// compile time when Q is, pieces of four and of one when it is not (Q = 0). `row` only carries the type.
 template <int Q, class Body>
 FLUVANE_FORCE_INLINE void overVelocities([[maybe_unused]] int count, const Body& body) {
     if constexpr (Q > 0) {
-        body(Row<Q>{}, 0);
+        overPieces<Q, 0>(body);
     } else {
         int k = 0;
         for (; k + 4 <= count; k += 4)

@@ -24,27 +24,26 @@ HeatForm heatForm(const CaseSettings& s) {
     return s.lftfOn ? HeatForm::enthalpyLftf : HeatForm::enthalpy;
 }
 
-} // namespace
+void setVelocity(StepConstants& c, std::size_t k, const Vec3& xi) {
+    c.xi[0][k] = xi.x;
+    c.xi[1][k] = xi.y;
+    c.xi[2][k] = xi.z;
+    c.weights[k] = velocitySet.weights[k];
+    c.opposite[k] = velocitySet.opposite[k];
+    c.momentFactors[k][0] = 1.0;
+    c.momentFactors[k][1] = xi.x;
+    c.momentFactors[k][2] = xi.y;
+    c.momentFactors[k][3] = xi.z;
+}
 
-StepConstants stepConstants2D() {
+/// Everything but the velocities, the form of the heat equation and its source.
+StepConstants commonConstants() {
     const CaseSettings& s = caseSettings;
     StepConstants c;
     c.velocityCount = velocitySet.velocityCount;
-    for (std::size_t k = 0; k < static_cast<std::size_t>(VelocitySet::capacity); ++k) {
-        const Vec2 xi = velocitySet.xi2D[k];
-        c.xi[0][k] = xi.x;
-        c.xi[1][k] = xi.y;
-        c.weights[k] = velocitySet.weights[k];
-        c.opposite[k] = velocitySet.opposite[k];
-        c.momentFactors[k][0] = 1.0;
-        c.momentFactors[k][1] = xi.x;
-        c.momentFactors[k][2] = xi.y;
-    }
     c.flowOn = s.flowOn != 0;
-    c.heat = heatForm(s);
     c.buoyancyOn = s.buoyancyOn;
     c.buoyancyCoeff = s.buoyancyCoeff;
-    c.heatSource = s.heatSource;
     c.dt = s.dt;
     c.halfStep = s.dt / 2.0;
     c.quarterStep = s.dt / 4.0;
@@ -57,6 +56,26 @@ StepConstants stepConstants2D() {
     c.recoverF = recoveryFactors(s.tauF, c.halfStep);
     c.recoverG = recoveryFactors(s.tauG, c.halfStep);
     c.relation = enthalpyRelation(s);
+    return c;
+}
+
+} // namespace
+
+StepConstants stepConstants2D() {
+    StepConstants c = commonConstants();
+    for (std::size_t k = 0; k < velocitySet.xi2D.size(); ++k)
+        setVelocity(c, k, {velocitySet.xi2D[k].x, velocitySet.xi2D[k].y, 0.0});
+    c.heat = heatForm(caseSettings);
+    c.heatSource = caseSettings.heatSource;
+    return c;
+}
+
+StepConstants stepConstants3D() {
+    StepConstants c = commonConstants();
+    for (std::size_t k = 0; k < velocitySet.xi3D.size(); ++k)
+        setVelocity(c, k, velocitySet.xi3D[k]);
+    if (caseSettings.heatOn)
+        c.heat = caseSettings.thermalMode == 0 ? HeatForm::temperature : HeatForm::enthalpy;
     return c;
 }
 

@@ -63,4 +63,7 @@ struct StepConstants {
 /// The constants with the 2D velocities and the settings as they stand.
 StepConstants stepConstants2D();
 
+/// The same with the 3D velocities; deliberate: no heat source, and no difference between the enthalpy forms.
+StepConstants stepConstants3D();
+
 } // namespace fluvane

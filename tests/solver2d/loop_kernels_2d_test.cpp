@@ -2,7 +2,7 @@
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
 #include "plain_reference/plain_solver_2d.h"
-#include "solver2d/loop_kernels_2d.h"
+#include "solver2d/instruction_set.h"
 #include "solver2d/time_step.h"
 #include "support/mesh_builder.h"
 #include "support/random_state.h"

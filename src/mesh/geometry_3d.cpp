@@ -1,0 +1,253 @@
+// Shapes and gradient weights of the cells and faces of a 3D mesh.
+#include "mesh/geometry_3d.h"
+
+#include "mesh/cell_graph.h"
+#include "mesh/mesh.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace fluvane {
+
+namespace {
+
+FaceRecord3D& faceAt(std::int32_t i) {
+    return Records3D::face(i);
+}
+
+CellRecord3D& cellAt(std::int32_t c) {
+    return Records3D::cell(c);
+}
+
+Vec3 pointAt(std::int32_t p) {
+    const auto i = static_cast<std::size_t>(p);
+    return {mesh.pointX[i], mesh.pointY[i], mesh.pointZ[i]};
+}
+
+Vec3 operator-(const Vec3& a, const Vec3& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z};
+}
+
+double dot(const Vec3& a, const Vec3& b) {
+    return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+
+double lengthOf(const Vec3& a) {
+    return std::sqrt(dot(a, a));
+}
+
+/// a x b with each product in the order of the rule for face normals.
+Vec3 cross(const Vec3& a, const Vec3& b) {
+    return {a.y * b.z - b.y * a.z, a.z * b.x - b.z * a.x, a.x * b.y - b.x * a.y};
+}
+
+/// The arithmetic mean of some points.
+Vec3 meanOf(const std::int32_t* nodes, std::int32_t count) {
+    Vec3 sum;
+    for (std::int32_t k = 0; k < count; ++k) {
+        const Vec3 p = pointAt(nodes[k]);
+        sum.x += p.x;
+        sum.y += p.y;
+        sum.z += p.z;
+    }
+    return {sum.x / count, sum.y / count, sum.z / count};
+}
+
+/// Heron's formula. A triangle so thin that rounding makes the product negative has no area.
+double triangleArea(const Vec3& p0, const Vec3& p1, const Vec3& p2) {
+    const double a = lengthOf(p0 - p1);
+    const double b = lengthOf(p1 - p2);
+    const double c = lengthOf(p0 - p2);
+    const double s = (a + b + c) / 2;
+    const double product = s * (s - a) * (s - b) * (s - c);
+    return product > 0.0 ? std::sqrt(product) : 0.0;
+}
+
+/// Deliberate: the area of the projection on the x-y plane; an upright quadrilateral has none.
+double quadrilateralArea(const Vec3& p0, const Vec3& p1, const Vec3& p2, const Vec3& p3) {
+    return std::abs(p1.x * (p2.y - p0.y) + p0.x * (p1.y - p3.y) + p2.x * (p3.y - p1.y) +
+                    p3.x * (p0.y - p2.y)) *
+           0.5;
+}
+
+/// The unit normal pointing away from a cell; a face whose first three nodes lie on one line has none.
+Vec3 outward(const Vec3& n, double length, const Vec3& faceCentre, const CellRecord3D& cell) {
+    if (length == 0.0)
+        return {};
+    const Vec3 away{faceCentre.x - cell.xc, faceCentre.y - cell.yc, faceCentre.z - cell.zc};
+    const bool inward = dot(away, n) < 0.0;
+    const Vec3 out = inward ? Vec3{-n.x, -n.y, -n.z} : n;
+    return {out.x / length, out.y / length, out.z / length};
+}
+
+void shapeFace(FaceRecord3D& face) {
+    const Vec3 p0 = pointAt(face.nodes[0]);
+    const Vec3 p1 = pointAt(face.nodes[1]);
+    const Vec3 p2 = pointAt(face.nodes[2]);
+    const Vec3 centre = meanOf(face.nodes.data(), face.nodeCount);
+    face.xf = centre.x;
+    face.yf = centre.y;
+    face.zf = centre.z;
+    face.area = face.nodeCount == 3 ? triangleArea(p0, p1, p2)
+                                    : quadrilateralArea(p0, p1, p2, pointAt(face.nodes[3]));
+    const Vec3 n = cross(p1 - p0, p2 - p0);
+    const double length = lengthOf(n);
+    const Vec3 n0 = outward(n, length, centre, cellAt(face.c0));
+    face.n0x = n0.x;
+    face.n0y = n0.y;
+    face.n0z = n0.z;
+    if (face.c1 == -1)
+        return;
+    const Vec3 n1 = outward(n, length, centre, cellAt(face.c1));
+    face.n1x = n1.x;
+    face.n1y = n1.y;
+    face.n1z = n1.z;
+}
+
+void shapeFaces() {
+    const std::int32_t F = mesh.totalFaceCount();
+#pragma omp parallel for schedule(static)
+    for (std::int32_t i = 0; i < F; ++i)
+        shapeFace(faceAt(i));
+}
+
+/// Sets the volume of a cell of four nodes. False when they lie in one plane.
+bool setVolume(CellRecord3D& cell) {
+    // The triple product's own rounding, relative to the edges' lengths, when it should be 0.
+    constexpr double rounding = 1e-14;
+    const Vec3 p0 = pointAt(cell.nodes[0]);
+    const Vec3 a = pointAt(cell.nodes[1]) - p0;
+    const Vec3 b = pointAt(cell.nodes[2]) - p0;
+    const Vec3 c = pointAt(cell.nodes[3]) - p0;
+    const double product = std::abs(dot(cross(a, b), c));
+    cell.volume = product / 6;
+    return product > rounding * (lengthOf(a) * lengthOf(b) * lengthOf(c));
+}
+
+/// Sets centres, and the volumes of cells of four nodes; other cells keep 0.
+FlawedCells placeCells(HugeArray<Vec3>& centres) {
+    FlawedCells flat;
+#pragma omp parallel for schedule(static) reduction(addFlaws : flat)
+    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
+        CellRecord3D& cell = cellAt(c);
+        const Vec3 centre = meanOf(cell.nodes.data(), cell.nodeCount);
+        cell.xc = centre.x;
+        cell.yc = centre.y;
+        cell.zc = centre.z;
+        centres[static_cast<std::size_t>(c)] = centre;
+        if (cell.nodeCount == 4 && !setVolume(cell))
+            flat.add(c);
+    }
+    return flat;
+}
+
+/// Copies the outward normals of the cell's faces. Whether these are the four sides of a tetrahedron:
+/// triangles of which each leaves out another of four nodes.
+bool collectNormals(CellRecord3D& cell, std::int32_t c) {
+    unsigned left = 0; // one bit a node that some face leaves out
+    for (std::size_t k = 0; k < static_cast<std::size_t>(cell.faceCount); ++k) {
+        const FaceRecord3D& face = faceAt(cell.faces[k]);
+        cell.normals[k] =
+            face.c0 == c ? Vec3{face.n0x, face.n0y, face.n0z} : Vec3{face.n1x, face.n1y, face.n1z};
+        if (face.nodeCount != 3)
+            continue;
+        for (std::size_t j = 0; j < 4; ++j) {
+            const std::int32_t node = cell.nodes[j];
+            if (face.nodes[0] != node && face.nodes[1] != node && face.nodes[2] != node)
+                left |= 1U << j;
+        }
+    }
+    return cell.faceCount == 4 && cell.nodeCount == 4 && left == 0b1111U;
+}
+
+/// The symmetric matrix of the least-squares system.
+struct Symmetric {
+    double xx = 0.0, yy = 0.0, zz = 0.0, xy = 0.0, xz = 0.0, yz = 0.0;
+
+    Symmetric adjugate() const {
+        return {yy * zz - yz * yz, xx * zz - xz * xz, xx * yy - xy * xy,
+                xz * yz - xy * zz, xy * yz - xz * yy, xy * xz - xx * yz};
+    }
+    Vec3 times(const Vec3& v) const {
+        return {xx * v.x + xy * v.y + xz * v.z, xy * v.x + yy * v.y + yz * v.z,
+                xz * v.x + yz * v.y + zz * v.z};
+    }
+};
+
+/// Least-squares weights, with which the gradient of phi is the sum of lsq[j] (phi_c - phi_j). False, with
+/// weights 0, when all neighbours lie in one plane through the centre.
+bool setWeights(CellRecord3D& cell, const Vec3& centre, const HugeArray<Vec3>& centres) {
+    // The determinant's own rounding when it should be 0, relative to the product of the diagonal. That
+    // product bounds the determinant and scales with it when an axis is stretched.
+    constexpr double rounding = 1e-13;
+    std::array<Vec3, CellRecord3D::maxNeighbours> d;
+    std::array<double, CellRecord3D::maxNeighbours> w;
+    const auto count = static_cast<std::size_t>(cell.neighbourCount);
+    Symmetric M;
+    for (std::size_t j = 0; j < count; ++j) {
+        d[j] = centre - centres[static_cast<std::size_t>(cell.neighbours[j])];
+        w[j] = 1.0 / dot(d[j], d[j]);
+        M.xx += w[j] * (d[j].x * d[j].x);
+        M.yy += w[j] * (d[j].y * d[j].y);
+        M.zz += w[j] * (d[j].z * d[j].z);
+        M.xy += w[j] * d[j].x * d[j].y;
+        M.xz += w[j] * d[j].x * d[j].z;
+        M.yz += w[j] * d[j].y * d[j].z;
+    }
+    const Symmetric A = M.adjugate();
+    const double det = M.xx * A.xx + M.xy * A.xy + M.xz * A.xz;
+    if (!(det > rounding * (M.xx * M.yy * M.zz)) || !std::isfinite(det))
+        return false;
+    for (std::size_t j = 0; j < count; ++j) {
+        const Vec3 v = A.times(d[j]);
+        cell.lsq[j] = {w[j] * v.x / det, w[j] * v.y / det, w[j] * v.z / det};
+    }
+    return true;
+}
+
+/// Everything that needs points. False, with one problem line, when cells are no tetrahedra.
+bool shapeCells() {
+    HugeArray<Vec3> centres(static_cast<std::size_t>(mesh.cellCount)); // closer together than in the records
+    const FlawedCells flat = placeCells(centres);
+    shapeFaces();
+    FlawedCells otherShapes;
+    FlawedCells singular;
+#pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, singular)
+    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
+        CellRecord3D& cell = cellAt(c);
+        if (!collectNormals(cell, c))
+            otherShapes.add(c);
+        if (!setWeights(cell, centres[static_cast<std::size_t>(c)], centres))
+            singular.add(c);
+    }
+    reportCells<Records3D>(otherShapes, QStringLiteral("the cell is not a tetrahedron of four triangles, and "
+                                                       "the 3D solver works on tetrahedra only"));
+    if (otherShapes.count > 0)
+        return false;
+    reportCells<Records3D>(flat, QStringLiteral("the cell is flat, it has no volume"));
+    reportCells<Records3D>(singular,
+                           QStringLiteral("the neighbours lie in one plane, gradient weights are 0"));
+    return true;
+}
+
+bool build() {
+    if (mesh.totalFaceCount() == 0)
+        return true; // the empty mesh has no cells either
+    const std::int32_t highest = highestCell<Records3D>();
+    if (!checkHighestCell(highest) || !checkFaces<Records3D>(highest + 1))
+        return false;
+    mesh.allocateCells3D(highest + 1);
+    return connectCells<Records3D>() && buildNeighbourLists<Records3D>() && shapeCells();
+}
+
+} // namespace
+
+bool buildGeometry3D() {
+    return buildWithinMemory(build);
+}
+
+double minFaceArea3D() {
+    return smallestOfFaces(mesh.faces3D, &FaceRecord3D::area);
+}
+
+} // namespace fluvane

@@ -1,0 +1,484 @@
+// What the loops of a 2D and of a 3D step have in common: the kinetic algebra with D components and the
+// kernels made of it. Compiled once per instruction set, each in its own namespace.
+#pragma once
+
+#include "mesh/mesh.h"
+#include "solver2d/row.h"
+#include "solver2d/step_constants.h"
+#include "solver2d/step_data.h"
+
+namespace fluvane::FLUVANE_ISA {
+
+// ---- vectors of records -----------------------------------------------------------------------------------
+
+/// A vector of space.
+template <int D>
+struct Vector {
+    double component[D];
+
+    FLUVANE_FORCE_INLINE double operator[](int axis) const { return component[axis]; }
+    FLUVANE_FORCE_INLINE friend Vector operator-(const Vector& a, const Vector& b) {
+        Vector difference;
+        for (int axis = 0; axis < D; ++axis)
+            difference.component[axis] = a.component[axis] - b.component[axis];
+        return difference;
+    }
+};
+
+FLUVANE_FORCE_INLINE Vector<2> vectorOf(const Vec2& a) {
+    return {{a.x, a.y}};
+}
+FLUVANE_FORCE_INLINE Vector<3> vectorOf(const Vec3& a) {
+    return {{a.x, a.y, a.z}};
+}
+FLUVANE_FORCE_INLINE Vector<2> velocityOf(const CellRecord& r) {
+    return {{r.u, r.v}};
+}
+FLUVANE_FORCE_INLINE Vector<2> velocityOf(const FaceRecord& r) {
+    return {{r.u, r.v}};
+}
+FLUVANE_FORCE_INLINE Vector<3> velocityOf(const CellRecord3D& r) {
+    return {{r.u, r.v, r.w}};
+}
+FLUVANE_FORCE_INLINE Vector<3> velocityOf(const FaceRecord3D& r) {
+    return {{r.u, r.v, r.w}};
+}
+FLUVANE_FORCE_INLINE Vector<2> forceOf(const CellRecord& r) {
+    return {{r.Fx, r.Fy}};
+}
+FLUVANE_FORCE_INLINE Vector<2> forceOf(const FaceRecord& r) {
+    return {{r.Fx, r.Fy}};
+}
+FLUVANE_FORCE_INLINE Vector<3> forceOf(const CellRecord3D& r) {
+    return {{r.Fx, r.Fy, r.Fz}};
+}
+FLUVANE_FORCE_INLINE Vector<3> forceOf(const FaceRecord3D& r) {
+    return {{r.Fx, r.Fy, r.Fz}};
+}
+FLUVANE_FORCE_INLINE Vector<2> centreOf(const CellRecord& r) {
+    return {{r.xc, r.yc}};
+}
+FLUVANE_FORCE_INLINE Vector<2> centreOf(const FaceRecord& r) {
+    return {{r.xf, r.yf}};
+}
+FLUVANE_FORCE_INLINE Vector<3> centreOf(const CellRecord3D& r) {
+    return {{r.xc, r.yc, r.zc}};
+}
+FLUVANE_FORCE_INLINE Vector<3> centreOf(const FaceRecord3D& r) {
+    return {{r.xf, r.yf, r.zf}};
+}
+
+/// Points out of c0: the area vector in 2D, the unit normal in 3D.
+FLUVANE_FORCE_INLINE Vector<2> outwardOf(const FaceRecord& r) {
+    return {{r.S0x, r.S0y}};
+}
+FLUVANE_FORCE_INLINE Vector<3> outwardOf(const FaceRecord3D& r) {
+    return {{r.n0x, r.n0y, r.n0z}};
+}
+
+/// The squared length.
+FLUVANE_FORCE_INLINE double square(const Vector<2>& a) {
+    return a[0] * a[0] + a[1] * a[1];
+}
+FLUVANE_FORCE_INLINE double square(const Vector<3>& a) {
+    return a[0] * a[0] + a[1] * a[1] + a[2] * a[2];
+}
+
+/// A force that is exactly zero adds exactly nothing: skipping it changes no bit.
+FLUVANE_FORCE_INLINE bool forced(const Vector<2>& a) {
+    return a[0] != 0.0 || a[1] != 0.0;
+}
+FLUVANE_FORCE_INLINE bool forced(const Vector<3>& a) {
+    return a[0] != 0.0 || a[1] != 0.0 || a[2] != 0.0;
+}
+
+// ---- velocities -------------------------------------------------------------------------------------------
+
+/// Q as a pool stride: known at compile time, or the velocity set's.
+template <int Q>
+FLUVANE_FORCE_INLINE std::ptrdiff_t stride(const StepConstants& c) {
+    return Q > 0 ? Q : c.velocityCount;
+}
+
+/// xi.a of the row of velocities from k on, components added in the order x, y, z: many velocities run
+/// exactly along faces, and the upwind side is the sign of just this sum.
+template <class R, int D>
+FLUVANE_FORCE_INLINE R along(const StepConstants& c, int k, const Vector<D>& a) {
+    R e = R::load(c.xi[0] + k) * a[0] + R::load(c.xi[1] + k) * a[1];
+    if constexpr (D == 3)
+        e = e + R::load(c.xi[2] + k) * a[2];
+    return e;
+}
+
+/// The same for one velocity.
+template <int D>
+FLUVANE_FORCE_INLINE double alongOne(const StepConstants& c, int k, const Vector<D>& a) {
+    double e = c.xi[0][k] * a[0] + c.xi[1][k] * a[1];
+    if constexpr (D == 3)
+        e = e + c.xi[2][k] * a[2];
+    return e;
+}
+
+// ---- moments ----------------------------------------------------------------------------------------------
+
+template <int D>
+struct FlowMoments {
+    double rho;
+    double momentum[D];
+};
+
+/// Density and momentum of a distribution, each summed over the velocities in their order.
+template <int D, int Q>
+FLUVANE_FORCE_INLINE FlowMoments<D> flowMoments(const StepConstants& c, const double* f) {
+    const int count = Q > 0 ? Q : c.velocityCount;
+    FlowMoments<D> m{};
+#if FLUVANE_VECTORS
+    using Moments = Row<4>;
+    Moments sum = Moments::zero();
+    for (int k = 0; k < count; ++k)
+        sum = sum + Moments::load(c.momentFactors[k]) * f[k];
+    alignas(32) double sums[4];
+    sum.store(sums);
+    m.rho = sums[0];
+    for (int axis = 0; axis < D; ++axis)
+        m.momentum[axis] = sums[axis + 1];
+#else
+    for (int k = 0; k < count; ++k) {
+        m.rho += f[k];
+        for (int axis = 0; axis < D; ++axis)
+            m.momentum[axis] += c.xi[axis][k] * f[k];
+    }
+#endif
+    return m;
+}
+
+/// Velocity from the moments and the part of a step's force that the bar distribution lacks.
+FLUVANE_FORCE_INLINE void setFlow(CellRecord& r, const FlowMoments<2>& m, double forceTime) {
+    r.rho = m.rho;
+    r.u = m.momentum[0] / m.rho + forceTime * r.Fx;
+    r.v = m.momentum[1] / m.rho + forceTime * r.Fy;
+}
+FLUVANE_FORCE_INLINE void setFlow(FaceRecord& r, const FlowMoments<2>& m, double forceTime) {
+    r.rho = m.rho;
+    r.u = m.momentum[0] / m.rho + forceTime * r.Fx;
+    r.v = m.momentum[1] / m.rho + forceTime * r.Fy;
+}
+FLUVANE_FORCE_INLINE void setFlow(CellRecord3D& r, const FlowMoments<3>& m, double forceTime) {
+    r.rho = m.rho;
+    r.u = m.momentum[0] / m.rho + forceTime * r.Fx;
+    r.v = m.momentum[1] / m.rho + forceTime * r.Fy;
+    r.w = m.momentum[2] / m.rho + forceTime * r.Fz;
+}
+FLUVANE_FORCE_INLINE void setFlow(FaceRecord3D& r, const FlowMoments<3>& m, double forceTime) {
+    r.rho = m.rho;
+    r.u = m.momentum[0] / m.rho + forceTime * r.Fx;
+    r.v = m.momentum[1] / m.rho + forceTime * r.Fy;
+    r.w = m.momentum[2] / m.rho + forceTime * r.Fz;
+}
+
+template <int Q>
+FLUVANE_FORCE_INLINE double sum(const StepConstants& c, const double* g) {
+    const int count = Q > 0 ? Q : c.velocityCount;
+    double s = 0.0;
+    for (int k = 0; k < count; ++k)
+        s += g[k];
+    return s;
+}
+
+FLUVANE_FORCE_INLINE double buoyancy(const StepConstants& c, double T) {
+    return c.buoyancyOn ? c.buoyancyCoeff * T : 0.0;
+}
+
+// ---- equilibria of a row ----------------------------------------------------------------------------------
+
+/// w phi P: the flow equilibrium with phi = rho, the temperature form with phi = T.
+template <class R, int D>
+FLUVANE_FORCE_INLINE R equilibriumRow(const StepConstants& c, int k, double phi, const Vector<D>& u) {
+    return R::load(c.weights + k) * phi * equilibriumPolynomial(c.polynomial, along<R>(c, k, u), square(u));
+}
+
+/// (xi - u).a / RT, the factor of the flow equilibrium in the forcing term.
+template <class R, int D>
+FLUVANE_FORCE_INLINE R forcingFactorRow(const StepConstants& c, int k, const Vector<D>& u,
+                                        const Vector<D>& a) {
+    R e = (R::load(c.xi[0] + k) - u[0]) * a[0] + (R::load(c.xi[1] + k) - u[1]) * a[1];
+    if constexpr (D == 3)
+        e = e + (R::load(c.xi[2] + k) - u[2]) * a[2];
+    return e * c.polynomial.inverseRT;
+}
+
+template <class R, int D>
+FLUVANE_FORCE_INLINE R heatSourceRow(const StepConstants& c, int k, const Vector<D>& u) {
+    return R::load(c.weights + k) * c.heatSource * (1.0 + along<R>(c, k, u) * c.polynomial.inverseRT);
+}
+
+// ---- collision --------------------------------------------------------------------------------------------
+
+template <class R>
+FLUVANE_FORCE_INLINE void storeCollided(const CollisionFactors& factors, const R& tilde, const R& eq,
+                                        double* plus, double* barPlus) {
+    const R collided = factors.A * tilde + factors.B * eq;
+    collided.store(plus);
+    ((3.0 * collided + tilde) * 0.25).store(barPlus);
+}
+
+template <class R>
+FLUVANE_FORCE_INLINE void storeCollided(const CollisionFactors& factors, const R& tilde, const R& eq,
+                                        const R& source, double* plus, double* barPlus) {
+    const R collided = factors.A * tilde + factors.B * eq + factors.C * source;
+    collided.store(plus);
+    ((3.0 * collided + tilde) * 0.25).store(barPlus);
+}
+
+template <int Q, class Data>
+void collideFlow(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    for (std::ptrdiff_t i = first; i < last; ++i) {
+        const auto& cell = d.cells[i];
+        const double rho = cell.rho;
+        const auto u = velocityOf(cell);
+        const auto force = forceOf(cell);
+        const double* const tilde = d.fTilde + i * q;
+        double* const plus = d.fTildePlus + i * q;
+        double* const bar = d.fBarPlus + i * q;
+        overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+            using R = decltype(row);
+            const R eq = equilibriumRow<R>(c, k, rho, u);
+            if (forced(force))
+                storeCollided(c.collideF, R::load(tilde + k), eq, eq * forcingFactorRow<R>(c, k, u, force),
+                              plus + k, bar + k);
+            else
+                storeCollided(c.collideF, R::load(tilde + k), eq, plus + k, bar + k);
+        });
+    }
+}
+
+template <int Q, class Data>
+void collideTemperature(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    const bool heated = c.heatSource != 0.0;
+    for (std::ptrdiff_t i = first; i < last; ++i) {
+        const auto& cell = d.cells[i];
+        const double T = cell.T;
+        const auto u = velocityOf(cell);
+        const double* const tilde = d.gTilde + i * q;
+        double* const plus = d.gTildePlus + i * q;
+        double* const bar = d.gBarPlus + i * q;
+        overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+            using R = decltype(row);
+            const R eq = equilibriumRow<R>(c, k, T, u);
+            if (heated)
+                storeCollided(c.collideG, R::load(tilde + k), eq, heatSourceRow<R>(c, k, u), plus + k,
+                              bar + k);
+            else
+                storeCollided(c.collideG, R::load(tilde + k), eq, plus + k, bar + k);
+        });
+    }
+}
+
+// ---- gradients --------------------------------------------------------------------------------------------
+
+/// Least-squares gradients of one bar distribution, neighbours added in the order they are stored.
+template <int Q, class Data>
+void gradientsOf(const StepConstants& c, const Data& d, const double* barPlus, double* gradient,
+                 std::int32_t first, std::int32_t last) {
+    constexpr int D = Data::dimensions;
+    const std::ptrdiff_t q = stride<Q>(c);
+    for (std::ptrdiff_t i = first; i < last; ++i) {
+        const std::int32_t begin = d.neighbourStart[i];
+        const std::int32_t end = d.neighbourStart[i + 1];
+        const double* const own = barPlus + i * q;
+        double* const out = gradient + D * i * q;
+        overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+            using R = decltype(row);
+            const R centre = R::load(own + k);
+            R sumX = R::zero();
+            R sumY = R::zero();
+            [[maybe_unused]] R sumZ = R::zero();
+            for (std::int32_t j = begin; j < end; ++j) {
+                const R difference = centre - R::load(barPlus + d.neighbours[j] * q + k);
+                sumX = sumX + difference * d.lsq[j].x;
+                sumY = sumY + difference * d.lsq[j].y;
+                if constexpr (D == 3)
+                    sumZ = sumZ + difference * d.lsq[j].z;
+            }
+            sumX.store(out + k);
+            sumY.store(out + q + k);
+            if constexpr (D == 3)
+                sumZ.store(out + 2 * q + k);
+        });
+    }
+}
+
+template <int Q, class Data>
+void gradients(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last) {
+    if (c.flowOn)
+        gradientsOf<Q>(c, d, d.fBarPlus, d.gradFBarPlus, first, last);
+    if (c.heatOn())
+        gradientsOf<Q>(c, d, d.gBarPlus, d.gradGBarPlus, first, last);
+}
+
+// ---- faces ------------------------------------------------------------------------------------------------
+
+/// The bar value at the foot of the characteristic that ends at the face after half a step, from whichever
+/// side is upwind; a tangential velocity takes c0.
+template <int Q, class Data>
+FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const Data& d,
+                                         const typename Data::FaceType& face, const double* barPlus,
+                                         const double* gradient, double* out) {
+    constexpr int D = Data::dimensions;
+    const std::ptrdiff_t q = stride<Q>(c);
+    const Vector<D> d0 = centreOf(face) - centreOf(d.cells[face.c0]);
+    const Vector<D> d1 = centreOf(face) - centreOf(d.cells[face.c1]);
+    const Vector<D> S = outwardOf(face);
+    const double* const bar0 = barPlus + face.c0 * q;
+    const double* const bar1 = barPlus + face.c1 * q;
+    const double* const gradient0 = gradient + D * q * face.c0;
+    const double* const gradient1 = gradient + D * q * face.c1;
+    overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+        using R = decltype(row);
+        const R side = along<R>(c, k, S);
+        R value = R::select(side, R::load(bar0 + k), R::load(bar1 + k));
+        for (int axis = 0; axis < D; ++axis) {
+            const R distance = R::select(side, d0[axis], d1[axis]) - R::load(c.xi[axis] + k) * c.halfStep;
+            const R slope =
+                R::select(side, R::load(gradient0 + axis * q + k), R::load(gradient1 + axis * q + k));
+            value = value + distance * slope;
+        }
+        value.store(out + k);
+    });
+}
+
+/// The distribution at the half step from the bar distribution, in place. Deliberate: the temperature form of
+/// the equilibrium in both thermal modes.
+template <int Q, int D>
+FLUVANE_FORCE_INLINE void recoverHeat(const StepConstants& c, double T, const Vector<D>& u, double* g) {
+    const RecoveryFactors& r = c.recoverG;
+    const bool heated = c.heatSource != 0.0;
+    overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+        using R = decltype(row);
+        R out = r.a * R::load(g + k) + r.b * equilibriumRow<R>(c, k, T, u);
+        if (heated)
+            out = out + r.c * heatSourceRow<R>(c, k, u);
+        out.store(g + k);
+    });
+}
+
+template <int Q, int D>
+FLUVANE_FORCE_INLINE void recoverFlow(const StepConstants& c, double rho, const Vector<D>& u,
+                                      const Vector<D>& force, double* f) {
+    const RecoveryFactors& r = c.recoverF;
+    overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+        using R = decltype(row);
+        const R eq = equilibriumRow<R>(c, k, rho, u);
+        R out = r.a * R::load(f + k) + r.b * eq;
+        if (forced(force))
+            out = out + r.c * (eq * forcingFactorRow<R>(c, k, u, force));
+        out.store(f + k);
+    });
+}
+
+// ---- boundary faces ---------------------------------------------------------------------------------------
+
+/// Flow and thermal kinds as the boundary records number them.
+enum : std::int32_t { outflow = 2, constantTemperature = 1, constantFlux = 2 };
+
+/// Reconstruction from the one cell of a boundary face, for one velocity at a time.
+template <int D>
+struct OneSided {
+    const double* bar;
+    const double* gradient;
+    std::ptrdiff_t q;
+    double h;
+    Vector<D> distance;
+
+    FLUVANE_FORCE_INLINE double operator()(const StepConstants& c, int k) const {
+        double value = bar[k];
+        for (int axis = 0; axis < D; ++axis)
+            value = value + (distance[axis] - c.xi[axis][k] * h) * gradient[axis * q + k];
+        return value;
+    }
+};
+
+template <class Data>
+FLUVANE_FORCE_INLINE OneSided<Data::dimensions> oneSided(const StepConstants& c, const Data& d,
+                                                         const typename Data::FaceType& face,
+                                                         const double* barPlus, const double* gradient) {
+    const std::ptrdiff_t q = c.velocityCount;
+    return {barPlus + face.c0 * q, gradient + Data::dimensions * q * face.c0, q, c.halfStep,
+            centreOf(face) - centreOf(d.cells[face.c0])};
+}
+
+/// Fills the face's g from the thermal condition; returns the sum that a constant-flux wall gathers per
+/// visit. Deliberate: a tangential pair is visited twice, the later visit overwrites the earlier's mirror and
+/// both count in the sum.
+template <int D, class Face>
+FLUVANE_FORCE_INLINE double mirrorHeat(const StepConstants& c, const Face& face, double normalLength,
+                                       const OneSided<D>& reconstructed, double* g) {
+    const Vector<D> S = outwardOf(face);
+    double gathered = 0.0;
+    for (int k = 0; k < c.velocityCount; ++k) {
+        if (!(alongOne(c, k, S) >= 0.0))
+            continue;
+        const int mirrored = c.opposite[k];
+        g[k] = reconstructed(c, k);
+        if (face.thermalKind == constantFlux) {
+            gathered += g[k];
+            if (k > 0) {
+                g[mirrored] = g[k] - (2.0 * c.tauG + c.halfStep) * face.q * c.weights[k] *
+                                         alongOne(c, mirrored, S) / (c.alpha * normalLength);
+                gathered += g[mirrored];
+            }
+        } else if (k > 0 && face.thermalKind == constantTemperature) {
+            g[mirrored] = 2.0 * c.weights[k] * face.T - g[k];
+        } else if (k > 0) {
+            g[mirrored] = g[k];
+        }
+    }
+    return gathered;
+}
+
+/// The incoming value at a wall that moves with the face's velocity.
+template <int D>
+FLUVANE_FORCE_INLINE double bouncedBack(const StepConstants& c, int k, double f, double rho,
+                                        const Vector<D>& wall) {
+    return f - 2.0 * c.weights[k] * rho * alongOne(c, k, wall) * c.polynomial.inverseRT;
+}
+
+// ---- update -----------------------------------------------------------------------------------------------
+
+/// xi.S of a row of velocities times the distribution on face j of the cell.
+template <class R>
+FLUVANE_FORCE_INLINE R fluxAcross(const StepConstants& c, int k, const CellRecord& cell, std::size_t j,
+                                  const R& distribution) {
+    return along<R>(c, k, vectorOf(cell.S[j])) * distribution;
+}
+template <class R>
+FLUVANE_FORCE_INLINE R fluxAcross(const StepConstants& c, int k, const CellRecord3D& cell, std::size_t j,
+                                  const R& distribution) {
+    return along<R>(c, k, vectorOf(cell.normals[j])) * distribution * cell.areas[j];
+}
+
+FLUVANE_FORCE_INLINE double sizeOf(const CellRecord& cell) {
+    return cell.area;
+}
+FLUVANE_FORCE_INLINE double sizeOf(const CellRecord3D& cell) {
+    return cell.volume;
+}
+
+/// tilde = plus - dt/size times the sum of the outward fluxes, faces in the order they were attached.
+template <int Q, class Cell>
+FLUVANE_FORCE_INLINE void addFluxes(const StepConstants& c, const Cell& cell, const double* facePool,
+                                    const double* plus, double* tilde) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    const double rate = c.dt / sizeOf(cell);
+    overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+        using R = decltype(row);
+        R flux = R::zero();
+        for (std::size_t j = 0; j < static_cast<std::size_t>(cell.faceCount); ++j)
+            flux = flux + fluxAcross<R>(c, k, cell, j, R::load(facePool + cell.faces[j] * q + k));
+        (R::load(plus + k) - rate * flux).store(tilde + k);
+    });
+}
+
+} // namespace fluvane::FLUVANE_ISA

@@ -1,0 +1,179 @@
+// The kernels of the five loops of a 3D step. Compiled once per instruction set, each in its own namespace.
+#include "solver3d/loop_kernels_3d.h"
+
+#include "solver2d/kinetic_kernels.h"
+
+#include <cmath>
+
+namespace fluvane::FLUVANE_ISA {
+
+namespace {
+
+/// Deliberate: the enthalpy form collides with the temperature equilibrium too.
+template <int Q>
+void collide(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
+    if (c.flowOn)
+        collideFlow<Q>(c, d, first, last);
+    if (c.heatOn())
+        collideTemperature<Q>(c, d, first, last);
+}
+
+// ---- interior faces -------------------------------------------------------------------------------------
+
+/// Deliberate: the temperature is the sum of the bar values in both thermal modes, and the recovery sees the
+/// face velocity of the previous step, since the flow part follows.
+template <int Q>
+FLUVANE_FORCE_INLINE void interiorHeat(const StepConstants& c, const StepData3D& d, FaceRecord3D& face,
+                                       double* g) {
+    reconstructRow<Q>(c, d, face, d.gBarPlus, d.gradGBarPlus, g);
+    face.T = sum<Q>(c, g);
+    face.Fx = 0.0;
+    face.Fy = 0.0;
+    face.Fz = buoyancy(c, face.T);
+    recoverHeat<Q>(c, face.T, velocityOf(face), g);
+}
+
+template <int Q>
+FLUVANE_FORCE_INLINE void interiorFlow(const StepConstants& c, const StepData3D& d, FaceRecord3D& face,
+                                       double* f) {
+    reconstructRow<Q>(c, d, face, d.fBarPlus, d.gradFBarPlus, f);
+    setFlow(face, flowMoments<3, Q>(c, f), c.quarterStep);
+    recoverFlow<Q>(c, face.rho, velocityOf(face), forceOf(face), f);
+}
+
+template <int Q>
+void reconstruct(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    for (std::ptrdiff_t i = first; i < last; ++i) {
+        FaceRecord3D& face = d.faces[i];
+        if (c.heatOn())
+            interiorHeat<Q>(c, d, face, d.gFace + i * q);
+        else
+            face.T = 0.0;
+        if (c.flowOn)
+            interiorFlow<Q>(c, d, face, d.fFace + i * q);
+    }
+}
+
+// ---- boundary faces -------------------------------------------------------------------------------------
+
+template <int Q>
+void boundaryHeat(const StepConstants& c, const StepData3D& d, FaceRecord3D& face, double* g) {
+    if (face.thermalKind != constantTemperature && face.thermalKind != constantFlux)
+        face.T = d.cells[face.c0].T;
+    const double length = std::sqrt(square(outwardOf(face)));
+    const double gathered = mirrorHeat(c, face, length, oneSided(c, d, face, d.gBarPlus, d.gradGBarPlus), g);
+    if (face.thermalKind == constantFlux)
+        face.T = gathered;
+    if (c.buoyancyOn) {
+        face.Fx = 0.0;
+        face.Fy = 0.0;
+        face.Fz = c.buoyancyCoeff * face.T;
+    }
+    recoverHeat<Q>(c, face.T, velocityOf(face), g);
+}
+
+/// Deliberate: the density of a boundary face stays as assigned, and an outflow takes over u and v, but not
+/// w.
+template <int Q>
+void boundaryFlow(const StepConstants& c, const StepData3D& d, FaceRecord3D& face, double* f) {
+    const CellRecord3D& cell = d.cells[face.c0];
+    const OneSided<3> reconstructed = oneSided(c, d, face, d.fBarPlus, d.gradFBarPlus);
+    const bool open = face.flowKind == outflow;
+    if (open) {
+        face.u = cell.u;
+        face.v = cell.v;
+    }
+    const Vector<3> u = velocityOf(face);
+    for (int k = 0; k < c.velocityCount; ++k) {
+        if (!(alongOne(c, k, outwardOf(face)) >= 0.0))
+            continue;
+        f[k] = reconstructed(c, k);
+        if (k == 0)
+            continue; // the rest velocity is its own opposite and meets no wall
+        const int mirrored = c.opposite[k];
+        f[mirrored] = open ? reconstructed.bar[mirrored] : bouncedBack(c, k, f[k], face.rho, u);
+    }
+    recoverFlow<Q>(c, face.rho, u, forceOf(face), f);
+}
+
+template <int Q>
+void boundary(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    for (std::ptrdiff_t i = first; i < last; ++i) {
+        FaceRecord3D& face = d.faces[i];
+        if (c.heatOn())
+            boundaryHeat<Q>(c, d, face, d.gFace + i * q);
+        if (c.flowOn)
+            boundaryFlow<Q>(c, d, face, d.fFace + i * q);
+    }
+}
+
+// ---- update ---------------------------------------------------------------------------------------------
+
+template <int Q>
+FLUVANE_FORCE_INLINE void updateFlow(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    CellRecord3D& cell = d.cells[i];
+    cell.uPrev = cell.u;
+    cell.vPrev = cell.v;
+    cell.wPrev = cell.w;
+    double* const tilde = d.fTilde + i * q;
+    addFluxes<Q>(c, cell, d.fFace, d.fTildePlus + i * q, tilde);
+    setFlow(cell, flowMoments<3, Q>(c, tilde), c.halfStep);
+}
+
+template <int Q>
+FLUVANE_FORCE_INLINE void updateHeat(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    CellRecord3D& cell = d.cells[i];
+    cell.TPrev = cell.T;
+    double* const tilde = d.gTilde + i * q;
+    addFluxes<Q>(c, cell, d.gFace, d.gTildePlus + i * q, tilde);
+    const double total = sum<Q>(c, tilde);
+    if (c.enthalpyForm()) {
+        cell.H = total;
+        cell.T = c.relation.temperatureOf(total);
+    } else {
+        cell.T = total;
+    }
+    cell.Fx = 0.0;
+    cell.Fy = 0.0;
+    cell.Fz = buoyancy(c, cell.T);
+}
+
+template <int Q>
+void update(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
+    for (std::ptrdiff_t i = first; i < last; ++i) {
+        if (c.flowOn)
+            updateFlow<Q>(c, d, i);
+        if (c.heatOn())
+            updateHeat<Q>(c, d, i);
+    }
+}
+
+template <int Q>
+constexpr LoopKernels3D kernelsFor() {
+    return {&collide<Q>, &gradients<Q, StepData3D>, &reconstruct<Q>, &boundary<Q>, &update<Q>};
+}
+
+} // namespace
+
+const LoopKernels3D& loopKernels3D(int velocityCount) {
+    static constexpr LoopKernels3D fifteen = kernelsFor<15>();
+    static constexpr LoopKernels3D nineteen = kernelsFor<19>();
+    static constexpr LoopKernels3D twentySeven = kernelsFor<27>();
+    static constexpr LoopKernels3D any = kernelsFor<0>();
+    switch (velocityCount) {
+    case 15:
+        return fifteen;
+    case 19:
+        return nineteen;
+    case 27:
+        return twentySeven;
+    default:
+        return any;
+    }
+}
+
+} // namespace fluvane::FLUVANE_ISA
