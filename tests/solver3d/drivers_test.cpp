@@ -2,6 +2,7 @@
 #include "solver3d/drivers.h"
 
 #include "dialogs/case_settings.h"
+#include "mesh/mesh.h"
 #include "mesh/run_gate.h"
 #include "output/result_file.h"
 #include "output/terminal.h"
@@ -19,6 +20,7 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <omp.h>
