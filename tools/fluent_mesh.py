@@ -1,7 +1,8 @@
-"""Face tables of polygonal 2D meshes and the ASCII Fluent layout that this program and others read."""
+"""Face tables of polygonal 2D meshes, the order of cells and points, and the ASCII Fluent layout that this
+program and others read, in two and three dimensions."""
 
 INTERIOR_ZONE = 3  # zone 1 holds the points, zone 2 the cells
-ELEMENT_CODES = {3: 1, 4: 3}  # nodes of a cell -> the layout's code of its shape
+ELEMENT_CODES = {(2, 3): 1, (2, 4): 3, (3, 4): 2}  # dimension, nodes of a cell -> the layout's code of its shape
 
 
 class MeshError(ValueError):
@@ -9,11 +10,12 @@ class MeshError(ValueError):
 
 
 class FluentMesh:
-    """A 2D mesh as the file holds it.
+    """A mesh as the file holds it.
 
-    points: (x, y) pairs; cells: tuples of point numbers, counter-clockwise; interior: faces
-    (n0, n1, c0, c1); zones: list of (name, faces), in file order, c1 = -1 in every face. All numbers count
-    from 0 here and from 1 in the file. c0 lies to the left of n0 -> n1.
+    points: (x, y) pairs or (x, y, z) triples; cells: tuples of point numbers; interior: faces (n0, n1, c0, c1)
+    or, in 3D, (n0, n1, n2, c0, c1); zones: list of (name, faces), in file order, c1 = -1 in every face. All
+    numbers count from 0 here and from 1 in the file. In 2D cells run counter-clockwise and c0 lies to the left
+    of n0 -> n1; in 3D cells are tetrahedra and the right-hand rule over a face's points gives a normal into c0.
     """
 
     def __init__(self, points, cells, interior, zones):
@@ -21,6 +23,10 @@ class FluentMesh:
         self.cells = cells
         self.interior = interior
         self.zones = zones
+
+    @property
+    def dimension(self):
+        return len(self.points[0])
 
     @property
     def face_count(self):
@@ -36,7 +42,7 @@ def polygon_area(points, cell):
 
 
 def build_mesh(points, cells, zone_of, zone_order):
-    """Make the face table.
+    """Make the face table of a 2D mesh.
 
     cells: tuples of three or four point numbers, either way round. zone_of(p, q) gets the coordinates of a
     boundary edge's ends and returns its zone's name; zone_order fixes the order of the zones. Raises
@@ -74,7 +80,7 @@ def build_mesh(points, cells, zone_of, zone_order):
 
 
 def _counter_clockwise(points, number, cell):
-    if len(cell) not in ELEMENT_CODES:
+    if (2, len(cell)) not in ELEMENT_CODES:
         raise MeshError(f"cell {number} has {len(cell)} points")
     area = polygon_area(points, tuple(cell))
     if area == 0.0:
@@ -92,17 +98,19 @@ def number_points_by_use(points, cells):
 
 
 def sort_along_curve(points, cells, bits=16):
-    """Sort the cells along a Hilbert curve through their centres: neighbours in space become neighbours in
-    memory at every cache size, which free meshers do not care about."""
-    centres = [tuple(sum(points[n][axis] for n in cell) / len(cell) for axis in (0, 1)) for cell in cells]
-    low = [min(c[axis] for c in centres) for axis in (0, 1)]
-    span = max(max(c[axis] for c in centres) - low[axis] for axis in (0, 1)) or 1.0
+    """Sort the cells of a 2D or 3D mesh along a Hilbert curve through their centres: neighbours in space become
+    neighbours in memory at every cache size, which free meshers do not care about."""
+    axes = range(len(points[0]))
+    centres = [tuple(sum(points[n][axis] for n in cell) / len(cell) for axis in axes) for cell in cells]
+    low = [min(c[axis] for c in centres) for axis in axes]
+    span = max(max(c[axis] for c in centres) - low[axis] for axis in axes) or 1.0
     top = (1 << bits) - 1
-    keys = [_hilbert_index(int((x - low[0]) / span * top), int((y - low[1]) / span * top), bits) for x, y in centres]
+    index = _hilbert_index_2d if len(axes) == 2 else _hilbert_index_3d
+    keys = [index(*(int((c[axis] - low[axis]) / span * top) for axis in axes), bits) for c in centres]
     return [cells[i] for i in sorted(range(len(cells)), key=lambda i: (keys[i], centres[i]))]
 
 
-def _hilbert_index(x, y, bits):
+def _hilbert_index_2d(x, y, bits):
     index = 0
     side = 1 << (bits - 1)
     while side:
@@ -117,6 +125,38 @@ def _hilbert_index(x, y, bits):
     return index
 
 
+def _hilbert_index_3d(x, y, z, bits):
+    """J. Skilling's transform (AIP Conf. Proc. 707, 381-387, 2004): undo the rotations from the coarsest level
+    to the finest, then take the Gray code of the bits in turn."""
+    side = 1 << (bits - 1)
+    while side > 1:
+        below = side - 1
+        if x & side:
+            x ^= below
+        if y & side:
+            x ^= below
+        else:
+            swap = (x ^ y) & below
+            x, y = x ^ swap, y ^ swap
+        if z & side:
+            x ^= below
+        else:
+            swap = (x ^ z) & below
+            x, z = x ^ swap, z ^ swap
+        side >>= 1
+    y ^= x
+    z ^= y
+    flip = 0
+    for bit in range(1, bits):
+        if z >> bit & 1:
+            flip ^= (1 << bit) - 1
+    x, y, z = x ^ flip, y ^ flip, z ^ flip
+    index = 0
+    for bit in reversed(range(bits)):
+        index = index << 3 | (x >> bit & 1) << 2 | (y >> bit & 1) << 1 | (z >> bit & 1)
+    return index
+
+
 def mesh_lines(mesh, comment):
     """The lines of the file, without their ends.
 
@@ -128,17 +168,17 @@ def mesh_lines(mesh, comment):
     points, cells = len(mesh.points), len(mesh.cells)
     yield f'(0 "{comment}")'
     yield '(0 "Dimension")'
-    yield "(2 2)"
+    yield f"(2 {mesh.dimension})"
     yield '(0 "Node Section")'
-    yield f"(10 (0 1 {points:x} 0 2))"
-    yield f"(10 (1 1 {points:x} 1 2)"
+    yield f"(10 (0 1 {points:x} 0 {mesh.dimension}))"
+    yield f"(10 (1 1 {points:x} 1 {mesh.dimension})"
     yield "("
-    for x, y in mesh.points:
-        yield f"{_decimal(x)} {_decimal(y)}"
+    for point in mesh.points:
+        yield " ".join(map(_decimal, point))
     yield "))"
     yield '(0 "Cells")'
     yield f"(12 (0 1 {cells:x} 0))"
-    yield from _cell_lines(mesh.cells)
+    yield from _cell_lines(mesh.dimension, mesh.cells)
     yield '(0 "Faces")'
     yield f"(13 (0 1 {mesh.face_count:x} 0))"
     yield '(0 "Interior faces")'
@@ -161,8 +201,8 @@ def _decimal(value):
     return text[:-2] if text.endswith(".0") else text
 
 
-def _cell_lines(cells):
-    codes = [ELEMENT_CODES[len(cell)] for cell in cells]
+def _cell_lines(dimension, cells):
+    codes = [ELEMENT_CODES[dimension, len(cell)] for cell in cells]
     if len(set(codes)) == 1:
         yield f"(12 (2 1 {len(cells):x} 1 {codes[0]}))"
         return
@@ -173,8 +213,8 @@ def _cell_lines(cells):
 
 def _face_lines(zone, first, faces, kind):
     yield f"(13 ({zone:x} {first:x} {first + len(faces) - 1:x} {kind} 2)("
-    for n0, n1, c0, c1 in faces:
-        yield f"{n0 + 1:x} {n1 + 1:x} {c0 + 1:x} {c1 + 1:x}"
+    for face in faces:
+        yield " ".join([f"{number + 1:x}" for number in face])
     yield ")"
     yield ")"
 

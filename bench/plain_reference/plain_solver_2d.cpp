@@ -12,12 +12,6 @@ namespace fluvane::plain {
 
 namespace {
 
-Distribution copyOf(const double* values, int count) {
-    Distribution copy = std::make_unique<double[]>(static_cast<std::size_t>(count));
-    std::copy_n(values, count, copy.get());
-    return copy;
-}
-
 Cell copyOf(const CellRecord& r, int Q) {
     Cell c{};
     c.xc = r.xc;
@@ -40,16 +34,16 @@ Cell copyOf(const CellRecord& r, int Q) {
     c.H = r.H;
     c.Fx = r.Fx;
     c.Fy = r.Fy;
-    c.fTilde = copyOf(r.fTilde, Q);
-    c.fBarPlus = copyOf(r.fBarPlus, Q);
-    c.fTildePlus = copyOf(r.fTildePlus, Q);
-    c.gTilde = copyOf(r.gTilde, Q);
-    c.gBarPlus = copyOf(r.gBarPlus, Q);
-    c.gTildePlus = copyOf(r.gTildePlus, Q);
-    c.dfdx = copyOf(r.gradFBarPlus.x, Q);
-    c.dfdy = copyOf(r.gradFBarPlus.y, Q);
-    c.dgdx = copyOf(r.gradGBarPlus.x, Q);
-    c.dgdy = copyOf(r.gradGBarPlus.y, Q);
+    c.fTilde = copyOfArray(r.fTilde, Q);
+    c.fBarPlus = copyOfArray(r.fBarPlus, Q);
+    c.fTildePlus = copyOfArray(r.fTildePlus, Q);
+    c.gTilde = copyOfArray(r.gTilde, Q);
+    c.gBarPlus = copyOfArray(r.gBarPlus, Q);
+    c.gTildePlus = copyOfArray(r.gTildePlus, Q);
+    c.dfdx = copyOfArray(r.gradFBarPlus.x, Q);
+    c.dfdy = copyOfArray(r.gradFBarPlus.y, Q);
+    c.dgdx = copyOfArray(r.gradGBarPlus.x, Q);
+    c.dgdy = copyOfArray(r.gradGBarPlus.y, Q);
     for (int j = 0; j < r.neighbourCount; ++j) {
         c.neighbours[j] = r.neighbours[j];
         c.wx[j] = r.lsq[j].x;
@@ -70,8 +64,8 @@ Face copyOf(const FaceRecord& r, int Q) {
     f.Fx = r.Fx;
     f.Fy = r.Fy;
     f.q = r.q;
-    f.fFace = copyOf(r.fFace, Q);
-    f.gFace = copyOf(r.gFace, Q);
+    f.fFace = copyOfArray(r.fFace, Q);
+    f.gFace = copyOfArray(r.gFace, Q);
     f.thermalKind = r.thermalKind;
     f.flowKind = r.flowKind;
     f.c0 = r.c0;

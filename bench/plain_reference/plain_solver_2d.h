@@ -1,13 +1,11 @@
 // The 2D scheme written the plainest way, straight from the formulas: the yardstick for results and speed.
 #pragma once
 
-#include <memory>
+#include "plain_reference/distribution.h"
+
 #include <vector>
 
 namespace fluvane::plain {
-
-/// A distribution that a record owns.
-using Distribution = std::unique_ptr<double[]>;
 
 struct Cell {
     double xc, yc, area;

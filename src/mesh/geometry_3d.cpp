@@ -141,14 +141,15 @@ FlawedCells placeCells(HugeArray<Vec3>& centres) {
     return flat;
 }
 
-/// Copies the outward normals of the cell's faces. Whether these are the four sides of a tetrahedron:
+/// Copies the outward normals and the areas of the cell's faces. Whether these are the four sides of a tetrahedron:
 /// triangles of which each leaves out another of four nodes.
-bool collectNormals(CellRecord3D& cell, std::int32_t c) {
+bool collectFaces(CellRecord3D& cell, std::int32_t c) {
     unsigned left = 0; // one bit a node that some face leaves out
     for (std::size_t k = 0; k < static_cast<std::size_t>(cell.faceCount); ++k) {
         const FaceRecord3D& face = faceAt(cell.faces[k]);
         cell.normals[k] =
             face.c0 == c ? Vec3{face.n0x, face.n0y, face.n0z} : Vec3{face.n1x, face.n1y, face.n1z};
+        cell.areas[k] = face.area;
         if (face.nodeCount != 3)
             continue;
         for (std::size_t j = 0; j < 4; ++j) {
@@ -215,7 +216,7 @@ bool shapeCells() {
 #pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, singular)
     for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
         CellRecord3D& cell = cellAt(c);
-        if (!collectNormals(cell, c))
+        if (!collectFaces(cell, c))
             otherShapes.add(c);
         if (!setWeights(cell, centres[static_cast<std::size_t>(c)], centres))
             singular.add(c);

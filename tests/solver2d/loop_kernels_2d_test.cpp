@@ -4,13 +4,12 @@
 #include "plain_reference/plain_solver_2d.h"
 #include "solver2d/instruction_set.h"
 #include "solver2d/time_step.h"
+#include "support/deviation.h"
 #include "support/mesh_builder.h"
 #include "support/random_state.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <ostream>
 #include <string>
@@ -18,6 +17,7 @@
 #include <vector>
 
 using namespace fluvane;
+using support::Deviation;
 
 namespace fluvane {
 void PrintTo(InstructionSet set, std::ostream* out) {
@@ -95,22 +95,6 @@ protected:
             face.thermalKind = (i / 3) % 3;
         }
     }
-};
-
-/// The largest difference of two arrays over all records, relative to the largest magnitude among them.
-struct Deviation {
-    double difference = 0.0;
-    double magnitude = 0.0;
-
-    void add(double ours, double theirs) {
-        difference = std::max(difference, std::isfinite(ours) ? std::abs(ours - theirs) : INFINITY);
-        magnitude = std::max(magnitude, std::abs(theirs));
-    }
-    void add(const double* ours, const double* theirs, int count) {
-        for (int k = 0; k < count; ++k)
-            add(ours[k], theirs[k]);
-    }
-    void expectSmall(const char* what) const { EXPECT_LE(difference, 1e-13 * magnitude) << what; }
 };
 
 void expectCellsEqual(const plain::PlainSolver2D& reference) {

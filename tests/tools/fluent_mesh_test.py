@@ -172,6 +172,18 @@ class Order(unittest.TestCase):
         for one, two in zip(ordered, ordered[1:]):
             self.assertEqual(len(set(one) & set(two)), 2)
 
+    def test_cubes_along_the_curve_touch_the_one_before(self):
+        n = 8
+        points = [(float(i), float(j), float(k)) for k in range(n + 1) for j in range(n + 1) for i in range(n + 1)]
+        corners = [i + j * (n + 1) + k * (n + 1) ** 2 for k in (0, 1) for j in (0, 1) for i in (0, 1)]
+        origins = [m for m, point in enumerate(points) if max(point) < n]
+        cells = [tuple(origin + corner for corner in corners) for origin in origins]
+        scattered = sorted(cells, key=lambda cell: (cell[0] * 7919) % 1009)
+        ordered = fluent_mesh.sort_along_curve(points, scattered)
+        self.assertEqual(sorted(ordered), sorted(cells))
+        for one, two in zip(ordered, ordered[1:]):
+            self.assertEqual(len(set(one) & set(two)), 4)
+
 
 if __name__ == "__main__":
     unittest.main()

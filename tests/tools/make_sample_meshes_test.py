@@ -30,6 +30,24 @@ class CommandLine(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertEqual(len(strict_reader.parse(out.read_bytes()).cell_codes), 400)
 
+    def test_writes_a_box_with_the_spacing_and_the_jitter_asked_for(self):
+        out = self.folder / "file.msh"
+        done = run("duct-3d", "--cells", "4", "--spacing", "2", "1", "1", "--jitter", "0.1", "--out", str(out))
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        mesh = strict_reader.parse(out.read_bytes())
+        self.assertEqual(len(mesh.cell_codes), 5 * 20 * 4 * 4)
+        self.assertEqual([max(axis) for axis in zip(*mesh.points)], [40.0, 4.0, 4.0])
+        self.assertTrue(any(x % 2 for x, _, _ in mesh.points))
+
+    def test_box_that_cannot_be_made_is_refused_without_a_file(self):
+        out = self.folder / "file.msh"
+        for option in (["--jitter", "0.2"], ["--spacing", "1", "0", "1"]):
+            done = run("cavity-3d", "--cells", "2", *option, "--out", str(out))
+            self.assertEqual(done.returncode, 1)
+            self.assertIn(option[0][2:], done.stderr)
+            self.assertNotIn("Traceback", done.stderr)
+        self.assertFalse(out.exists())
+
     def test_wrong_arguments_are_refused_with_a_reason(self):
         out = str(self.folder / "file.msh")
         for arguments, reason in (
@@ -37,6 +55,10 @@ class CommandLine(unittest.TestCase):
             (["cavity"], "--cells and --out"),
             (["cavity", "--cells", "1", "--out", out], "at least 2"),
             (["all", "--cells", "8"], "fixed sizes"),
+            (["all", "--jitter", "0"], "fixed sizes"),
+            (["cavity-3d", "--cells", "4", "--triangles", "--out", out], "2D shapes"),
+            (["cavity", "--cells", "4", "--jitter", "0.1", "--out", out], "3D shapes"),
+            (["cavity", "--cells", "4", "--spacing", "1", "1", "2", "--out", out], "3D shapes"),
         ):
             done = run(*arguments)
             self.assertEqual(done.returncode, 2, arguments)
