@@ -6,33 +6,21 @@
 #include "setup/initial_fields.h"
 #include "solver2d/time_step.h"
 #include "support/mesh_builder.h"
+#include "timing.h"
 #include "velocity/lattice_properties.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 #include <omp.h>
 #include <vector>
 
 using namespace fluvane;
+using bench::median;
+using bench::secondsPerCall;
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-double secondsOf(int steps, const auto& step) {
-    const auto start = Clock::now();
-    for (int n = 0; n < steps; ++n)
-        step();
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
 
 /// The lid-driven or the side-heated cavity at n by n cells, ready to step.
 void prepareCavity(int n, bool heat, bool triangles) {
@@ -64,8 +52,8 @@ void stepBesidePlainReference(benchmark::State& state) {
     plainSolver->step();
     std::vector<double> ours, plain, ratio;
     for ([[maybe_unused]] auto iteration : state) {
-        const double a = secondsOf(stepsPerSample, [] { step2D(); }) / stepsPerSample;
-        const double b = secondsOf(stepsPerSample, [&] { plainSolver->step(); }) / stepsPerSample;
+        const double a = secondsPerCall(stepsPerSample, [] { step2D(); });
+        const double b = secondsPerCall(stepsPerSample, [&] { plainSolver->step(); });
         ours.push_back(a);
         plain.push_back(b);
         ratio.push_back(b / a);
