@@ -45,14 +45,21 @@ struct Share {
     std::ptrdiff_t length(int arrays) const { return ((count / arrays / 8 - 1) | 1) * 8; }
 };
 
-void readArray(const Share& share) {
-    using Lane = Row<16>; // so many sums that none waits for the one before
-    Lane sum = Lane::zero();
-    for (std::ptrdiff_t i = 0; i + Lane::size <= share.count; i += Lane::size)
-        sum = sum + Lane::load(share.data + i);
-    double sums[Lane::size];
-    sum.store(sums);
-    benchmark::DoNotOptimize(sums);
+/// Three arrays at once: on one alone the processor does not read ahead far enough.
+void readArrays(const Share& share) {
+    using Lane = Row<8>;
+    const std::ptrdiff_t n = share.length(3);
+    const double* const b = share.data + n;
+    const double* const c = b + n;
+    Lane sums[3] = {Lane::zero(), Lane::zero(), Lane::zero()};
+    for (std::ptrdiff_t i = 0; i < n; i += Lane::size) {
+        sums[0] = sums[0] + Lane::load(share.data + i);
+        sums[1] = sums[1] + Lane::load(b + i);
+        sums[2] = sums[2] + Lane::load(c + i);
+    }
+    double total[Lane::size];
+    (sums[0] + sums[1] + sums[2]).store(total);
+    benchmark::DoNotOptimize(total);
 }
 
 /// With a factor: for a mere copy the compiler takes the library's, which chooses its kind of store itself.
@@ -142,7 +149,7 @@ Bandwidth measureBandwidth(std::size_t bytes) {
     double factor = 0.5;
     benchmark::DoNotOptimize(factor);
     Bandwidth b;
-    b.read = rate(memory, 1.0, readArray);
+    b.read = rate(memory, 1.0, readArrays);
     b.copy = rate(memory, 3.0 / 2.0, [&](const Share& s) { copyArray(s, factor); });
     b.triad = rate(memory, 4.0 / 3.0, [&](const Share& s) { triadArray(s, factor); });
     if (storesPastCaches) {

@@ -8,7 +8,7 @@ namespace fluvane::bench {
 /// The four ways of moving whole arrays. Rates count every byte that moves: with ordinary stores also the
 /// lines that are read only because they are written.
 struct Bandwidth {
-    double read = 0.0;         ///< bytes a second; summing an array up
+    double read = 0.0;         ///< bytes a second; summing arrays up
     double copy = 0.0;         ///< a = b
     double triad = 0.0;        ///< a = b + s c
     double streamedCopy = 0.0; ///< the same with stores past the caches; 0 where the processor has none
