@@ -2,15 +2,13 @@
 #include "output/file_text.h"
 
 #include <QIODevice>
-#include <cstring>
 
 namespace fluvane {
 
 namespace {
 
 char* copied(char* to, std::string_view text) {
-    std::memcpy(to, text.data(), text.size());
-    return to + text.size();
+    return to + text.copy(to, text.size());
 }
 
 } // namespace
