@@ -12,10 +12,9 @@ namespace fluvane {
 
 namespace {
 
-// What a table says of a byte: its digit, or one of these two. Upper-case letters carry a mark.
+// What a table says of a byte: its digit, or one of these two.
 constexpr std::uint8_t notHex = 16;
 constexpr std::uint8_t blank = 17;
-constexpr std::uint8_t upperCase = 32;
 
 using HexTable = std::array<std::uint8_t, 256>;
 
@@ -26,7 +25,7 @@ constexpr HexTable makeHexTable(bool upperCaseCounts) {
         table['0' + i] = static_cast<std::uint8_t>(i);
     for (std::size_t i = 0; i < 6; ++i) {
         table['a' + i] = static_cast<std::uint8_t>(10 + i);
-        table['A' + i] = static_cast<std::uint8_t>(upperCase + (upperCaseCounts ? 10 + i : 0));
+        table['A' + i] = static_cast<std::uint8_t>(upperCaseCounts ? 10 + i : 0);
     }
     for (const char c : {' ', '\t', '\v', '\f', '\r'})
         table[static_cast<unsigned char>(c)] = blank;
@@ -38,7 +37,7 @@ constexpr HexTable lowerCase = makeHexTable(false); // the digits of parseHex
 
 template <const HexTable& table = bothCases>
 std::uint8_t hexOf(char c) {
-    return table[static_cast<unsigned char>(c)] & std::uint8_t{upperCase - 1};
+    return table[static_cast<unsigned char>(c)];
 }
 
 /// Takes a hexadecimal word off the front of `p`; false when it is none or above 2147483647.

@@ -4,7 +4,7 @@
 #include "mesh/cell_graph.h"
 #include "mesh/mesh.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace fluvane {
@@ -141,8 +141,8 @@ FlawedCells placeCells(HugeArray<Vec3>& centres) {
     return flat;
 }
 
-/// Copies the outward normals and the areas of the cell's faces. Whether these are the four sides of a tetrahedron:
-/// triangles of which each leaves out another of four nodes.
+/// Copies the outward normals and the areas of the cell's faces. Whether these are the four sides of a
+/// tetrahedron: triangles of which each leaves out another of four nodes.
 bool collectFaces(CellRecord3D& cell, std::int32_t c) {
     unsigned left = 0; // one bit a node that some face leaves out
     for (std::size_t k = 0; k < static_cast<std::size_t>(cell.faceCount); ++k) {
