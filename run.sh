@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the program and opens it in the folder of the sample cases. Without a display it takes a guided tour
-# through the program on an invisible one and leaves pictures of every window in tour/.
+# through the program on an invisible one and leaves pictures of every window in tour/; "--case cavity-3d" takes
+# the three-dimensional cavity instead of the plane one.
 set -euo pipefail
 cd -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")"
 root=$PWD
@@ -15,4 +16,4 @@ if [[ -n "${DISPLAY:-}" ]]; then
 fi
 echo "No display: taking the guided tour."
 exec xvfb-run -a -s "-screen 0 1280x1024x24" \
-    "$root/build/release/tools/tour/fluvane_tour" "$root/cases" "$root/tour"
+    "$root/build/release/tools/tour/fluvane_tour" "$@" "$root/cases" "$root/tour"

@@ -13,12 +13,15 @@
 #include "dialogs/dimension.h"
 #include "dialogs/physics.h"
 #include "mesh/fluent_reader_2d.h"
+#include "mesh/fluent_reader_3d.h"
 #include "mesh/geometry_2d.h"
+#include "mesh/geometry_3d.h"
 #include "mesh/mesh.h"
 #include "mesh/run_gate.h"
 #include "output/dumps.h"
 #include "output/result_file.h"
 #include "output/terminal.h"
+#include "solver2d/run_support.h"
 #include "ui_main_window.h"
 #include "velocity/lattice.h"
 #include "velocity/velocity_file.h"
@@ -45,6 +48,22 @@ constexpr char defaultProjectDir[] = "D/Fluvane_project";
 QString startFolder() {
     const QString wanted = QString::fromLatin1(defaultProjectDir);
     return QDir(wanted).exists() ? wanted : QDir::currentPath();
+}
+
+/// After an opening that was broken off between the dimension and the mesh.
+constexpr char otherDimension[] = "The mesh is of the other dimension; please open the mesh again";
+
+template <class Snapshot>
+Snapshot captureAsVisitor(Snapshot (*capture)()) {
+    const fluvane::VisitorHold hold;
+    return capture();
+}
+
+/// Writes the state of this instant; a run on meanwhile goes on as soon as it is copied.
+bool saveInstant(const QString& path) {
+    if (caseSettings.is3D)
+        return fluvane::writeResult3D(path, captureAsVisitor(fluvane::captureResult3D));
+    return fluvane::writeResult2D(path, captureAsVisitor(fluvane::captureResult2D));
 }
 
 /// Shows the waiting cursor for as long as it lives.
@@ -204,13 +223,11 @@ void MainWindow::Open_mesh_file() {
 
 bool MainWindow::readMesh(const QString& path) {
     const WaitCursor waiting;
-    if (caseSettings.is3D) {
+    const bool read = caseSettings.is3D ? fluvane::readMesh3D(path) && fluvane::buildGeometry3D()
+                                        : fluvane::readMesh2D(path) && fluvane::buildGeometry2D();
+    if (!read)
         mesh.clear();
-        fluvane::reportProblem(
-            path + QStringLiteral(": three-dimensional meshes are not supported yet in this version"));
-        return false;
-    }
-    return fluvane::readMesh2D(path) && fluvane::buildGeometry2D();
+    return read;
 }
 
 void MainWindow::showMesh() {
@@ -233,21 +250,16 @@ void MainWindow::Save_data() {
         say(QStringLiteral("Cannot found the mesh file"), QStringLiteral("Wrong"));
         return;
     }
+    if (!fluvane::meshHasDimension(caseSettings.is3D)) {
+        say(QString::fromLatin1(otherDimension), QStringLiteral("Error"));
+        return;
+    }
     const QString path = askToSave(QStringLiteral("Data file"));
     if (path.isNull() || mesh.cellCount == 0)
         return;
-    if (caseSettings.is3D) {
-        say(QStringLiteral("Three-dimensional cases are not supported yet in this version"),
-            QStringLiteral("Error"));
-        return;
-    }
     {
         const WaitCursor waiting;
-        const auto snapshot = [] {
-            const fluvane::VisitorHold hold;
-            return fluvane::captureResult2D();
-        }();
-        if (!fluvane::writeResult2D(path, snapshot))
+        if (!saveInstant(path))
             fluvane::appendTerminalLine(path + QStringLiteral(": could not be written"));
     }
     // Deliberate: said whatever the writer did; a failure stands in the terminal.
@@ -300,8 +312,8 @@ bool MainWindow::refusedToRun(int Terminal) {
     if (refusedWhileRunning())
         return true;
     QString reason;
-    if (caseSettings.is3D)
-        reason = QStringLiteral("Three-dimensional cases are not supported yet in this version");
+    if (!fluvane::meshHasDimension(caseSettings.is3D))
+        reason = QString::fromLatin1(otherDimension);
     else if (mesh.cellCount > 0 && !mesh.matchesVelocitySet())
         reason = QStringLiteral("The velocity file was read after the mesh; please open the mesh again");
     else if (Terminal < 1)
@@ -321,7 +333,15 @@ void MainWindow::Start_compute(int Process, double Error_U, double Error_T, int 
         say(QStringLiteral("Please select the auto save route and name"), QStringLiteral("Error"));
         return;
     }
-    const RunTask task{this, Process, Error_U, Error_T, Time_Step, Terminal, path, caseSettings.steadyState};
+    const RunTask task{.window = this,
+                       .threads = Process,
+                       .tolU = Error_U,
+                       .tolT = Error_T,
+                       .steps = Time_Step,
+                       .saveInterval = Terminal,
+                       .fileName = path,
+                       .is3D = caseSettings.is3D,
+                       .steady = caseSettings.steadyState};
     if (!startRunTask(task))
         refusedWhileRunning();
 }

@@ -4,6 +4,7 @@
 #include "mesh/run_gate.h"
 #include "output/terminal.h"
 #include "solver2d/drivers.h"
+#include "solver3d/drivers.h"
 
 #include <QtConcurrent>
 #include <algorithm>
@@ -23,7 +24,9 @@ void runDriver(const RunTask& t) {
     const RunClaim claim;
     try {
         const auto threads = static_cast<unsigned>(std::max(t.threads, 1));
-        if (t.steady)
+        if (t.is3D)
+            fluvane::run3D(t.window, threads, t.tolU, t.tolT, t.steps, t.saveInterval, t.fileName);
+        else if (t.steady)
             fluvane::runSteady2D(t.window, threads, t.tolU, t.tolT, t.steps, t.saveInterval, t.fileName);
         else
             fluvane::runTransient2D(t.window, threads, t.steps, t.saveInterval, t.fileName);

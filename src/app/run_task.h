@@ -14,7 +14,8 @@ struct RunTask {
     int steps = 0;
     int saveInterval = 1;
     QString fileName;
-    bool steady = true; ///< the steady driver, else the transient one
+    bool is3D = false;  ///< the 3D driver, whatever the time type
+    bool steady = true; ///< in two dimensions: the steady driver, else the transient one
 };
 
 /// Claims the mesh and hands the run to the global thread pool; the claim ends with the driver. False, with

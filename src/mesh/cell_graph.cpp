@@ -61,6 +61,16 @@ void reportCells(const FlawedCells& flawed, std::int32_t firstFace, const QStrin
             .arg(mesh.sourceName, placeOf(firstFace, flawed.first), flaw, QString::number(flawed.count)));
 }
 
+void addUp(std::vector<std::int32_t>& start) {
+    std::int64_t total = 0;
+    for (std::int32_t& offset : start) {
+        total += offset;
+        if (total > std::numeric_limits<std::int32_t>::max())
+            throw std::bad_alloc();
+        offset = static_cast<std::int32_t>(total);
+    }
+}
+
 bool buildWithinMemory(bool (*build)()) {
     try {
         return build();

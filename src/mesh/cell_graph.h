@@ -148,11 +148,26 @@ bool checkFaces(std::int32_t cells) {
     return refuseFace(firstBad, Records::faceNodes, nodes, face.c0, face.c1, cells);
 }
 
-template <class Cell>
-bool attachFace(Cell& cell, std::int32_t face) {
-    if (cell.faceCount == Cell::maxFaces)
+/// The cells across the face slots of every cell, -1 for none: what the neighbour lists are made of, in a few
+/// bytes a cell instead of a walk through the records.
+template <class Records>
+struct AcrossFaces {
+    std::array<std::int32_t, Records::Cell::maxFaces> cells;
+    AcrossFaces() { cells.fill(-1); }
+};
+
+template <class Records>
+using AcrossTable = HugeArray<AcrossFaces<Records>>;
+
+/// Gives a cell a face, with the cell across it; false when it has all it can have.
+template <class Records>
+bool attachFace(AcrossTable<Records>& across, std::int32_t cell, std::int32_t face, std::int32_t other) {
+    auto& record = Records::cell(cell);
+    if (record.faceCount == Records::Cell::maxFaces)
         return false;
-    cell.faces[static_cast<std::size_t>(cell.faceCount++)] = face;
+    const auto slot = static_cast<std::size_t>(record.faceCount++);
+    record.faces[slot] = face;
+    across[static_cast<std::size_t>(cell)].cells[slot] = other;
     return true;
 }
 
@@ -173,7 +188,7 @@ bool attachNodes(Cell& cell, std::span<const std::int32_t> nodes) {
 /// Gives each cell its faces, in order, and from each face the nodes that it takes. Refuses cells with too
 /// many of either.
 template <class Records>
-bool connectCells() {
+bool connectCells(AcrossTable<Records>& across) {
     const std::int32_t F = mesh.totalFaceCount();
     const auto tooMany = [](std::int32_t face, std::int32_t cell) {
         return refuseMesh(placeOf(face, cell),
@@ -182,12 +197,11 @@ bool connectCells() {
     for (std::int32_t i = 0; i < F; ++i) {
         const auto& face = Records::face(i);
         const bool interior = i < mesh.interiorFaceCount;
-        auto& a = Records::cell(face.c0);
-        if (!attachFace(a, i))
+        if (!attachFace<Records>(across, face.c0, i, face.c1))
             return tooMany(i, face.c0);
-        if (interior && !attachFace(Records::cell(face.c1), i))
+        if (interior && !attachFace<Records>(across, face.c1, i, face.c0))
             return tooMany(i, face.c1);
-        if (!attachNodes(a, Records::nodesForFirst(face)))
+        if (!attachNodes(Records::cell(face.c0), Records::nodesForFirst(face)))
             return tooMany(i, face.c0);
         if (interior && !attachNodes(Records::cell(face.c1), Records::nodesForSecond(face)))
             return tooMany(i, face.c1);
@@ -195,55 +209,34 @@ bool connectCells() {
     return true;
 }
 
-/// The cells across the face slots of every cell, -1 for none: what the neighbour lists are made of, in a few
-/// bytes a cell instead of a walk through the records.
-template <class Records>
-using Across = std::array<std::int32_t, Records::Cell::maxFaces>;
-
-template <class Records>
-HugeArray<Across<Records>> cellsAcrossFaces() {
-    HugeArray<Across<Records>> across(static_cast<std::size_t>(mesh.cellCount));
-#pragma omp parallel for schedule(static)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        const auto& cell = Records::cell(c);
-        for (std::size_t j = 0; j < cell.faces.size(); ++j) {
-            std::int32_t other = -1;
-            if (cell.faces[j] >= 0) {
-                const auto& face = Records::face(cell.faces[j]);
-                other = face.c0 == c ? face.c1 : face.c0;
-            }
-            across[static_cast<std::size_t>(c)][j] = other;
-        }
-    }
-    return across;
-}
-
-/// Room for the two rings of a cell whose cells have the most faces.
+/// The neighbours of a cell, with room for the two rings of a cell whose cells have the most faces.
 template <class Records>
 using Rings = std::array<std::int32_t, Records::Cell::maxFaces*(1 + Records::Cell::maxFaces)>;
 
 /// The neighbours of a cell: the cells across its faces, then theirs, each once. Returns their number.
 template <class Records>
-std::int32_t collectNeighbours(const HugeArray<Across<Records>>& across, std::int32_t c,
-                               Rings<Records>& list) {
+std::int32_t collectNeighbours(const AcrossTable<Records>& across, std::int32_t c, Rings<Records>& list) {
     auto end = list.begin();
-    for (const std::int32_t other : across[static_cast<std::size_t>(c)])
+    for (const std::int32_t other : across[static_cast<std::size_t>(c)].cells)
         if (other != -1)
             *end++ = other;
     const auto faceNeighboursEnd = end;
     for (auto near = list.begin(); near != faceNeighboursEnd; ++near)
-        for (const std::int32_t other : across[static_cast<std::size_t>(*near)])
+        for (const std::int32_t other : across[static_cast<std::size_t>(*near)].cells)
             if (other != -1 && other != c && std::find(list.begin(), end, other) == end)
                 *end++ = other;
     return static_cast<std::int32_t>(end - list.begin());
 }
 
+/// From the counts behind the first entry to offsets.
+void addUp(std::vector<std::int32_t>& start);
+
 /// Makes and fills the compact neighbour lists. Refuses a cell with too many neighbours; in 2D no cell can
 /// have too many.
 template <class Records>
-bool buildNeighbourLists() {
+bool buildNeighbourLists(const AcrossTable<Records>& across) {
     constexpr std::int32_t most = Records::Cell::maxNeighbours;
-    const HugeArray<Across<Records>> across = cellsAcrossFaces<Records>();
+    HugeArray<std::array<std::int32_t, most>> found(static_cast<std::size_t>(mesh.cellCount));
     std::vector<std::int32_t> start(static_cast<std::size_t>(mesh.cellCount) + 1);
     std::int32_t firstCrowded = noIndex;
 #pragma omp parallel for schedule(static) reduction(min : firstCrowded)
@@ -252,6 +245,7 @@ bool buildNeighbourLists() {
         const std::int32_t count = collectNeighbours<Records>(across, c, list);
         if (count > most)
             firstCrowded = std::min(firstCrowded, c);
+        std::copy_n(list.begin(), std::min(count, most), found[static_cast<std::size_t>(c)].begin());
         start[static_cast<std::size_t>(c) + 1] = count;
     }
     if (firstCrowded != noIndex)
@@ -259,21 +253,21 @@ bool buildNeighbourLists() {
                           QStringLiteral("expected at most %1 cells in two rings round a cell, found %2")
                               .arg(most)
                               .arg(start[static_cast<std::size_t>(firstCrowded) + 1]));
-    std::int64_t total = 0;
-    for (std::int32_t& offset : start) {
-        total += offset;
-        if (total > std::numeric_limits<std::int32_t>::max())
-            throw std::bad_alloc();
-        offset = static_cast<std::int32_t>(total);
-    }
+    addUp(start);
     Records::allocateNeighbours(std::move(start));
 #pragma omp parallel for schedule(static)
     for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        Rings<Records> list;
-        const std::int32_t count = collectNeighbours<Records>(across, c, list);
-        std::copy_n(list.begin(), count, Records::cell(c).neighbours);
+        const auto& cell = Records::cell(c);
+        std::copy_n(found[static_cast<std::size_t>(c)].begin(), cell.neighbourCount, cell.neighbours);
     }
     return true;
+}
+
+/// Connects the cells, which are there, with faces, nodes and neighbours.
+template <class Records>
+bool connectMesh() {
+    AcrossTable<Records> across(static_cast<std::size_t>(mesh.cellCount));
+    return connectCells<Records>(across) && buildNeighbourLists<Records>(across);
 }
 
 /// The smallest value over the faces, starting from 10000.0. The zones may count the faces of the other

@@ -12,27 +12,51 @@ namespace fluvane {
 
 namespace {
 
+// What a table says of a byte: its digit, or one of these two.
 constexpr std::uint8_t notHex = 16;
 constexpr std::uint8_t blank = 17;
 
-constexpr std::array<std::uint8_t, 256> makeHexTable() {
-    std::array<std::uint8_t, 256> table{};
+using HexTable = std::array<std::uint8_t, 256>;
+
+constexpr HexTable makeHexTable(bool upperCaseCounts) {
+    HexTable table{};
     table.fill(notHex);
     for (std::size_t i = 0; i < 10; ++i)
         table['0' + i] = static_cast<std::uint8_t>(i);
     for (std::size_t i = 0; i < 6; ++i) {
         table['a' + i] = static_cast<std::uint8_t>(10 + i);
-        table['A' + i] = static_cast<std::uint8_t>(10 + i);
+        table['A' + i] = static_cast<std::uint8_t>(upperCaseCounts ? 10 + i : 0);
     }
     for (const char c : {' ', '\t', '\v', '\f', '\r'})
         table[static_cast<unsigned char>(c)] = blank;
     return table;
 }
 
-constexpr std::array<std::uint8_t, 256> hexTable = makeHexTable();
+constexpr HexTable bothCases = makeHexTable(true);
+constexpr HexTable lowerCase = makeHexTable(false); // the digits of parseHex
 
+template <const HexTable& table = bothCases>
 std::uint8_t hexOf(char c) {
-    return hexTable[static_cast<unsigned char>(c)];
+    return table[static_cast<unsigned char>(c)];
+}
+
+/// Takes a hexadecimal word off the front of `p`; false when it is none or above 2147483647.
+template <const HexTable& table>
+bool takeHexWord(const char*& p, const char* end, std::int32_t& value) {
+    const char* const first = p;
+    std::uint64_t sum = 0;
+    for (; p != end && hexOf<table>(*p) < 16; ++p) {
+        sum = sum * 16 + hexOf<table>(*p);
+        if (sum > std::numeric_limits<std::int32_t>::max())
+            return false;
+    }
+    value = static_cast<std::int32_t>(sum);
+    return p != first && (p == end || hexOf<table>(*p) == blank);
+}
+
+void skipBlanks(const char*& p, const char* end) {
+    while (p != end && hexOf(*p) == blank)
+        ++p;
 }
 
 std::string_view trimmed(std::string_view line) {
@@ -65,7 +89,7 @@ std::string_view FluentScan::peek() const {
 
 QString FluentScan::originOf(const HeaderCount& count) {
     QString note;
-    if (count.word.find_first_of("ABCDEF") != std::string_view::npos)
+    if (hasUpperCaseHex(count.word))
         note = QStringLiteral("; upper-case letters count 0 there");
     else if (count.word.find_first_of("()") != std::string_view::npos)
         note = QStringLiteral("; a parenthesis is a zero digit there");
@@ -172,21 +196,31 @@ bool parseFaceWords(std::string_view line, std::int32_t* values, int count, std:
     const char* p = line.data();
     const char* const end = p + line.size();
     for (int i = 0; i < count; ++i) {
-        while (p != end && hexOf(*p) == blank)
-            ++p;
-        const char* const first = p;
-        std::uint64_t value = 0;
-        for (; p != end && hexOf(*p) < 16; ++p) {
-            value = value * 16 + hexOf(*p);
-            if (value > std::numeric_limits<std::int32_t>::max())
-                return false;
-        }
-        if (p == first || (p != end && hexOf(*p) != blank))
+        skipBlanks(p, end);
+        if (!takeHexWord<bothCases>(p, end, values[i]))
             return false;
-        values[i] = static_cast<std::int32_t>(value);
     }
     rest = std::string_view(p, static_cast<std::size_t>(end - p));
     return true;
+}
+
+bool parseLowerCaseFaceWords(std::string_view line, std::int32_t* values, int most, int& count) {
+    const char* p = line.data();
+    const char* const end = p + line.size();
+    for (count = 0;; ++count) {
+        skipBlanks(p, end);
+        if (p == end)
+            return true;
+        std::int32_t value = 0;
+        if (!takeHexWord<lowerCase>(p, end, value))
+            return false;
+        if (count < most)
+            values[count] = value;
+    }
+}
+
+bool hasUpperCaseHex(std::string_view line) {
+    return std::any_of(line.begin(), line.end(), [](char c) { return c >= 'A' && c <= 'F'; });
 }
 
 bool onlyHexWords(std::string_view text) {

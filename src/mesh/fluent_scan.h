@@ -76,6 +76,14 @@ int faceTypeOf(std::string_view header);
 /// follows them. False when a word is missing, not hexadecimal, or above 2147483647.
 bool parseFaceWords(std::string_view line, std::int32_t* values, int count, std::string_view& rest);
 
+/// Reads all words of a face line by the digits of `parseHex`, which are of lower case; upper-case letters
+/// count 0. The first `most` words go into `values`. False when a word is not hexadecimal or above
+/// 2147483647.
+bool parseLowerCaseFaceWords(std::string_view line, std::int32_t* values, int most, int& count);
+
+/// Whether a line of hexadecimal words has a letter that `parseHex` takes for 0.
+bool hasUpperCaseHex(std::string_view line);
+
 /// True when every word is hexadecimal; also for no word.
 bool onlyHexWords(std::string_view text);
 

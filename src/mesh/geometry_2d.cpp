@@ -201,7 +201,7 @@ bool build() {
     if (!checkHighestCell(highest) || !checkFaces<Records2D>(highest + 1))
         return false;
     mesh.allocateCells2D(highest + 1);
-    if (!connectCells<Records2D>() || !buildNeighbourLists<Records2D>())
+    if (!connectMesh<Records2D>())
         return false;
     setMidpoints();
     shapeCells();

@@ -4,7 +4,7 @@
 #include "mesh/cell_graph.h"
 #include "mesh/mesh.h"
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace fluvane {
@@ -141,8 +141,8 @@ FlawedCells placeCells(HugeArray<Vec3>& centres) {
     return flat;
 }
 
-/// Copies the outward normals and the areas of the cell's faces. Whether these are the four sides of a tetrahedron:
-/// triangles of which each leaves out another of four nodes.
+/// Copies the outward normals and the areas of the cell's faces. Whether these are the four sides of a
+/// tetrahedron: triangles of which each leaves out another of four nodes.
 bool collectFaces(CellRecord3D& cell, std::int32_t c) {
     unsigned left = 0; // one bit a node that some face leaves out
     for (std::size_t k = 0; k < static_cast<std::size_t>(cell.faceCount); ++k) {
@@ -169,6 +169,7 @@ struct Symmetric {
         return {yy * zz - yz * yz, xx * zz - xz * xz, xx * yy - xy * xy,
                 xz * yz - xy * zz, xy * yz - xz * yy, xy * xz - xx * yz};
     }
+    Symmetric dividedBy(double d) const { return {xx / d, yy / d, zz / d, xy / d, xz / d, yz / d}; }
     Vec3 times(const Vec3& v) const {
         return {xx * v.x + xy * v.y + xz * v.z, xy * v.x + yy * v.y + yz * v.z,
                 xz * v.x + yz * v.y + zz * v.z};
@@ -184,10 +185,14 @@ bool setWeights(CellRecord3D& cell, const Vec3& centre, const HugeArray<Vec3>& c
     std::array<Vec3, CellRecord3D::maxNeighbours> d;
     std::array<double, CellRecord3D::maxNeighbours> w;
     const auto count = static_cast<std::size_t>(cell.neighbourCount);
-    Symmetric M;
     for (std::size_t j = 0; j < count; ++j) {
         d[j] = centre - centres[static_cast<std::size_t>(cell.neighbours[j])];
-        w[j] = 1.0 / dot(d[j], d[j]);
+        w[j] = dot(d[j], d[j]);
+    }
+    for (std::size_t j = 0; j < count; ++j)
+        w[j] = 1.0 / w[j];
+    Symmetric M;
+    for (std::size_t j = 0; j < count; ++j) {
         M.xx += w[j] * (d[j].x * d[j].x);
         M.yy += w[j] * (d[j].y * d[j].y);
         M.zz += w[j] * (d[j].z * d[j].z);
@@ -199,9 +204,10 @@ bool setWeights(CellRecord3D& cell, const Vec3& centre, const HugeArray<Vec3>& c
     const double det = M.xx * A.xx + M.xy * A.xy + M.xz * A.xz;
     if (!(det > rounding * (M.xx * M.yy * M.zz)) || !std::isfinite(det))
         return false;
+    const Symmetric inverse = A.dividedBy(det);
     for (std::size_t j = 0; j < count; ++j) {
-        const Vec3 v = A.times(d[j]);
-        cell.lsq[j] = {w[j] * v.x / det, w[j] * v.y / det, w[j] * v.z / det};
+        const Vec3 v = inverse.times(d[j]);
+        cell.lsq[j] = {w[j] * v.x, w[j] * v.y, w[j] * v.z};
     }
     return true;
 }
@@ -238,7 +244,7 @@ bool build() {
     if (!checkHighestCell(highest) || !checkFaces<Records3D>(highest + 1))
         return false;
     mesh.allocateCells3D(highest + 1);
-    return connectCells<Records3D>() && buildNeighbourLists<Records3D>() && shapeCells();
+    return connectMesh<Records3D>() && shapeCells();
 }
 
 } // namespace

@@ -16,8 +16,9 @@ namespace fluvane {
 namespace {
 
 const char* const lineEnd = "\r\n";
-constexpr std::size_t bytesPerPoint = 2 * 14; // room for two lines of the longest common number
-constexpr std::size_t bytesPerCell = 6 * 14 + 4 * 9 + 2;
+constexpr std::size_t bytesPerNumber = 14; // the longest common one with its line end
+constexpr std::size_t bytesPerHead = 1024;
+constexpr std::size_t bytesPerCorners = 4 * 9 + 2;
 
 void appendLine(std::string& text, const char* line) {
     text += line;
@@ -40,8 +41,22 @@ void appendNumberLine(std::string& text, double value) {
     text += lineEnd;
 }
 
-void appendHeader2D(std::string& text, const ResultSnapshot2D& s) {
+void appendTitle(std::string& text) {
     appendLine(text, "TITLE = \"UNSTRUCTED TEST\"");
+}
+
+void appendZone(std::string& text, std::size_t cellCount, const char* type) {
+    text += "ZONE N=";
+    appendInteger(text, mesh.pointCount);
+    text += ", E=";
+    appendInteger(text, static_cast<std::int64_t>(cellCount));
+    text += ", ZONETYPE = ";
+    appendLine(text, type);
+    appendLine(text, "DATAPACKING = BLOCK");
+}
+
+void appendHeader2D(std::string& text, const ResultSnapshot2D& s) {
+    appendTitle(text);
     appendFlag(text, "Isflow=", s.flowOn);
     appendFlag(text, "Isheat=", s.heatOn);
     appendFlag(text, "Isnatural=", s.buoyancyOn);
@@ -58,20 +73,22 @@ void appendHeader2D(std::string& text, const ResultSnapshot2D& s) {
     appendParameter(text, "error=", s.error);
     text += lineEnd;
     appendLine(text, "VARIABLES = \"X\", \"Y\", \"rho\",\"u\",\"v\",\"T\",\"H\",\"fl\"");
-    text += "ZONE N=";
-    appendInteger(text, mesh.pointCount);
-    text += ", E=";
-    appendInteger(text, static_cast<std::int64_t>(s.cells.size()));
-    appendLine(text, ", ZONETYPE = FEQUADRILATERAL");
-    appendLine(text, "DATAPACKING = BLOCK");
+    appendZone(text, s.cells.size(), "FEQUADRILATERAL");
     // Deliberate: the range names seven cell-centred variables though the file has six; readers of these
     // files know the line as it stands.
     appendLine(text, "VARLOCATION = ([1-2]=NODAL, [3-9]=CELLCENTERED)");
 }
 
+/// The 1-based number of one corner and the blank after it.
+void appendCorner(std::string& text, std::int32_t point) {
+    appendInteger(text, std::int64_t{point} + 1);
+    text += ' ';
+}
+
 /// The temperature in units of the thermal scale. Deliberate: with an unknown scale kind nothing is written,
 /// not even a line end, rather than a value in a made-up unit.
-void appendScaledTemperature(std::string& text, double T, const ResultSnapshot2D& s) {
+template <class Snapshot>
+void appendScaledTemperature(std::string& text, double T, const Snapshot& s) {
     if (!s.heatOn)
         appendNumberLine(text, T);
     else if (s.thermalScaleKind == 0)
@@ -106,16 +123,45 @@ void appendFields2D(std::string& text, const ResultSnapshot2D& s) {
 /// a b c a, the first corner repeated and not the last.
 void appendConnectivity2D(std::string& text) {
     for (const CellRecord& cell : mesh.cells2D) {
-        for (std::size_t j = 0; j < static_cast<std::size_t>(cell.nodeCount); ++j) {
-            appendInteger(text, std::int64_t{cell.nodes[j]} + 1);
-            text += ' ';
-        }
-        if (cell.nodeCount < CellRecord::maxFaces) {
-            appendInteger(text, std::int64_t{cell.nodes[0]} + 1);
-            text += ' ';
-        }
+        for (std::size_t j = 0; j < static_cast<std::size_t>(cell.nodeCount); ++j)
+            appendCorner(text, cell.nodes[j]);
+        if (cell.nodeCount < CellRecord::maxFaces)
+            appendCorner(text, cell.nodes[0]);
         text += lineEnd;
     }
+}
+
+/// Deliberate: no parameters and no error line, unlike in 2D.
+void appendHeader3D(std::string& text, const ResultSnapshot3D& s) {
+    appendTitle(text);
+    appendLine(text, "VARIABLES = \"X\", \"Y\",\"Z\",\"rho\",\"u\",\"v\",\"w\",\"T\"");
+    appendZone(text, s.cells.size(), "FETETRAHEDRON");
+    appendLine(text, "VARLOCATION = ([1-3]=NODAL, [4-8]=CELLCENTERED)");
+}
+
+/// Deliberate: the velocity as stored, not in units of U0 as in 2D.
+void appendFields3D(std::string& text, const ResultSnapshot3D& s) {
+    using Cell = ResultSnapshot3D::Cell;
+    for (const auto field : {&Cell::rho, &Cell::u, &Cell::v, &Cell::w})
+        for (const Cell& cell : s.cells)
+            appendNumberLine(text, cell.*field);
+    for (const Cell& cell : s.cells)
+        appendScaledTemperature(text, cell.T, s);
+}
+
+/// As many 1-based point numbers a line as the cell has corners, each followed by a blank. Deliberate: also
+/// for a cell that is no tetrahedron, whatever the zone type says.
+void appendConnectivity3D(std::string& text) {
+    for (const CellRecord3D& cell : mesh.cells3D) {
+        for (std::size_t j = 0; j < static_cast<std::size_t>(cell.nodeCount); ++j)
+            appendCorner(text, cell.nodes[j]);
+        text += lineEnd;
+    }
+}
+
+void appendNumberLines(std::string& text, const std::vector<double>& values) {
+    for (const double value : values)
+        appendNumberLine(text, value);
 }
 
 } // namespace
@@ -152,13 +198,11 @@ bool writeResult2D(const QString& path, const ResultSnapshot2D& snapshot) {
     if (snapshot.cells.size() != mesh.cells2D.size())
         return false; // another mesh was read since
     std::string text;
-    text.reserve(std::size_t{1024} + static_cast<std::size_t>(mesh.pointCount) * bytesPerPoint +
-                 snapshot.cells.size() * bytesPerCell);
+    text.reserve(bytesPerHead + 2 * mesh.pointX.size() * bytesPerNumber +
+                 snapshot.cells.size() * (6 * bytesPerNumber + bytesPerCorners));
     appendHeader2D(text, snapshot);
-    for (const double x : mesh.pointX)
-        appendNumberLine(text, x);
-    for (const double y : mesh.pointY)
-        appendNumberLine(text, y);
+    appendNumberLines(text, mesh.pointX);
+    appendNumberLines(text, mesh.pointY);
     appendFields2D(text, snapshot);
     appendConnectivity2D(text);
     return writeWholeFile(path, text);
@@ -166,6 +210,39 @@ bool writeResult2D(const QString& path, const ResultSnapshot2D& snapshot) {
 
 bool writeResult2D(const QString& path) {
     return writeResult2D(path, captureResult2D());
+}
+
+ResultSnapshot3D captureResult3D() {
+    const CaseSettings& c = caseSettings;
+    ResultSnapshot3D s;
+    s.cells.reserve(mesh.cells3D.size());
+    for (const CellRecord3D& cell : mesh.cells3D)
+        s.cells.push_back({cell.rho, cell.u, cell.v, cell.w, cell.T});
+    s.heatOn = c.heatOn;
+    s.thermalScaleKind = c.thermalScaleKind;
+    s.alpha = c.alpha;
+    s.dT = c.dT;
+    s.L = c.L;
+    return s;
+}
+
+bool writeResult3D(const QString& path, const ResultSnapshot3D& snapshot) {
+    if (snapshot.cells.size() != mesh.cells3D.size())
+        return false; // another mesh was read since
+    std::string text;
+    text.reserve(bytesPerHead + 3 * mesh.pointX.size() * bytesPerNumber +
+                 snapshot.cells.size() * (5 * bytesPerNumber + bytesPerCorners));
+    appendHeader3D(text, snapshot);
+    appendNumberLines(text, mesh.pointX);
+    appendNumberLines(text, mesh.pointY);
+    appendNumberLines(text, mesh.pointZ);
+    appendFields3D(text, snapshot);
+    appendConnectivity3D(text);
+    return writeWholeFile(path, text);
+}
+
+bool writeResult3D(const QString& path) {
+    return writeResult3D(path, captureResult3D());
 }
 
 double exactSolutionError() {

@@ -31,6 +31,28 @@ bool writeResult2D(const QString& path, const ResultSnapshot2D& snapshot);
 /// Captures the present state and writes it.
 bool writeResult2D(const QString& path);
 
+/// One instant of a 3D case.
+struct ResultSnapshot3D {
+    struct Cell {
+        double rho, u, v, w, T;
+    };
+    std::vector<Cell> cells;
+    bool heatOn = false;
+    int thermalScaleKind = 0;
+    double alpha = 0, dT = 0, L = 0;
+};
+
+/// Copies the present state of a 3D case. The caller keeps a run from stepping meanwhile.
+ResultSnapshot3D captureResult3D();
+
+/// Writes a captured 3D state as a zone of tetrahedra, in the way of `writeResult2D`. Deliberate differences
+/// from the 2D file: no parameters and no error line, the velocity as stored, no enthalpy and liquid
+/// fraction, and as many corners on a connectivity line as the cell has.
+bool writeResult3D(const QString& path, const ResultSnapshot3D& snapshot);
+
+/// Captures the present 3D state and writes it.
+bool writeResult3D(const QString& path);
+
 /// Relative L2 difference between the cell temperatures and the steady conduction profile between two
 /// circles about the origin, ln(r / 3) / ln(0.3) + 1: 1 at radius 3, 2 at radius 0.9. Printed for every case,
 /// whatever its geometry; 0 without cells.

@@ -26,23 +26,27 @@ bool reportFirstNaN(const Cells& cells) {
 
 } // namespace
 
-bool checkConvergence2D(double tolU, double tolT, const QString& prefix) {
-    double numU = 0.0, denU = 0.0, numT = 0.0, denT = 0.0;
-    for (const CellRecord& cell : mesh.cells2D) {
-        const double du = cell.u - cell.uPrev;
-        const double dv = cell.v - cell.vPrev;
-        numU += du * du + dv * dv;
-        denU += cell.uPrev * cell.uPrev + cell.vPrev * cell.vPrev;
-        const double dT = cell.T - cell.TPrev;
-        const double areaSquare = cell.area * cell.area;
-        numT += dT * dT * areaSquare;
-        denT += cell.TPrev * cell.TPrev * areaSquare;
-    }
-    const double errorU = std::sqrt(numU / (denU + 1e-30));
-    const double errorT = std::sqrt(numT / (denT + 1e-30));
+bool reportChange(const ChangeSums& sums, double tolU, double tolT, const QString& prefix) {
+    const double errorU = std::sqrt(sums.numU / (sums.denU + 1e-30));
+    const double errorT = std::sqrt(sums.numT / (sums.denT + 1e-30));
     appendTerminalLine(prefix + "   error_u=" + QString::number(errorU) +
                        "   error_T=" + QString::number(errorT));
     return errorU < tolU && errorT < tolT;
+}
+
+bool checkConvergence2D(double tolU, double tolT, const QString& prefix) {
+    ChangeSums sums;
+    for (const CellRecord& cell : mesh.cells2D) {
+        const double du = cell.u - cell.uPrev;
+        const double dv = cell.v - cell.vPrev;
+        sums.numU += du * du + dv * dv;
+        sums.denU += cell.uPrev * cell.uPrev + cell.vPrev * cell.vPrev;
+        const double dT = cell.T - cell.TPrev;
+        const double areaSquare = cell.area * cell.area;
+        sums.numT += dT * dT * areaSquare;
+        sums.denT += cell.TPrev * cell.TPrev * areaSquare;
+    }
+    return reportChange(sums, tolU, tolT, prefix);
 }
 
 bool hasNaN() {

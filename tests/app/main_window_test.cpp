@@ -218,33 +218,29 @@ private slots:
 
     void aRefusedMeshLeavesFlagLabelsAndTerminal_data() {
         QTest::addColumn<bool>("loadedBefore");
-        QTest::newRow("first mesh") << false;
-        QTest::newRow("after another") << true;
+        QTest::addColumn<bool>("is3D");
+        QTest::newRow("first mesh") << false << false;
+        QTest::newRow("after another") << true << false;
+        QTest::newRow("first 3D mesh") << false << true;
+        QTest::newRow("3D after another") << true << true;
     }
     void aRefusedMeshLeavesFlagLabelsAndTerminal() {
         QFETCH(bool, loadedBefore);
+        QFETCH(bool, is3D);
         Shell shell;
         caseSettings.meshLoaded = loadedBefore;
+        caseSettings.is3D = is3D;
         fluvane::appendTerminalLine("before");
         QVERIFY(writeText(shell.path("bad.msh"), "$MeshFormat\n4.1 0 8\n$EndMeshFormat\n"));
         shell.answers.names = QStringList{shell.path("bad.msh")};
         shell.window->Open_mesh_file();
-        QCOMPARE(shell.answers.seen, QStringList({"Mesh file [*.msh]", "Error: Please select the 2D file"}));
+        QCOMPARE(shell.answers.seen,
+                 QStringList({"Mesh file [*.msh]",
+                              QString("Error: Please select the %1 file").arg(is3D ? "3D" : "2D")}));
         QCOMPARE(caseSettings.meshLoaded, loadedBefore);
         QCOMPARE(shell.text("labelnumcell"), QString("Num of Cell: "));
         QCOMPARE(shell.terminal().constFirst(), QString("before"));
         QVERIFY(shell.terminal().constLast().contains("bad.msh"));
-    }
-
-    void aThreeDimensionalMeshIsRefusedPlainly() {
-        Shell shell;
-        caseSettings.is3D = true;
-        QVERIFY(writeText(shell.path("any.msh"), "(2 3)\n"));
-        shell.answers.names = QStringList{shell.path("any.msh")};
-        shell.window->Open_mesh_file();
-        QCOMPARE(shell.answers.seen.constLast(), QString("Error: Please select the 3D file"));
-        QVERIFY(shell.terminal().constLast().contains("not supported yet"));
-        QVERIFY(!caseSettings.meshLoaded);
     }
 
     void fileDialogsStartInTheProjectFolderOrWhereTheProgramWasStarted() {
@@ -420,8 +416,8 @@ private slots:
         QTest::addColumn<QString>("said");
         QTest::newRow("interval") << "interval"
                                   << "Error: Terminal must be at least 1";
-        QTest::newRow("3D") << "3D"
-                            << "Error: Three-dimensional cases are not supported yet in this version";
+        QTest::newRow("dimension") << "dimension"
+                                   << "Error: The mesh is of the other dimension; please open the mesh again";
         QTest::newRow("velocities")
             << "velocities"
             << "Error: The velocity file was read after the mesh; please open the mesh again";
@@ -432,7 +428,10 @@ private slots:
         Shell shell;
         prepareAll();
         shell.answers.names = QStringList{shell.path("run")};
-        caseSettings.is3D = case_ == "3D";
+        if (case_ == "dimension") {
+            caseSettings.is3D = true;
+            fluvane::mesh.allocateCells2D(1);
+        }
         if (case_ == "velocities") {
             fluvane::velocitySet.velocityCount = 5;
             fluvane::mesh.allocateCells2D(1);
@@ -523,15 +522,26 @@ private slots:
                  QStringList(shell.path("no such folder/out.dat") + ": could not be written"));
     }
 
-    void aThreeDimensionalCaseIsNotSaved() {
+    void aThreeDimensionalCaseIsSavedAsTetrahedra() {
         Shell shell;
         caseSettings.meshLoaded = caseSettings.is3D = true;
-        fluvane::mesh.allocateCells2D(1);
+        fluvane::mesh.allocateCells3D(1);
         shell.answers.names = QStringList{shell.path("out.dat")};
         shell.choose("actionSave");
-        QCOMPARE(shell.answers.seen.constLast(),
-                 QString("Error: Three-dimensional cases are not supported yet in this version"));
-        QVERIFY(!QFile::exists(shell.path("out.dat")));
+        QCOMPARE(shell.answers.seen, QStringList({"Data file [*.dat]", "Message: Save Succeed"}));
+        QFile file(shell.path("out.dat"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains("ZONE N=0, E=1, ZONETYPE = FETETRAHEDRON\r\n"));
+        QVERIFY(shell.terminal().isEmpty());
+    }
+
+    void aMeshOfTheOtherDimensionIsNotSaved() {
+        const Shell shell;
+        caseSettings.meshLoaded = caseSettings.is3D = true;
+        fluvane::mesh.allocateCells2D(1);
+        shell.choose("actionSave");
+        QCOMPARE(shell.answers.seen,
+                 QStringList("Error: The mesh is of the other dimension; please open the mesh again"));
     }
 
     void dumpsGoToTheWorkingFolder() {

@@ -62,6 +62,29 @@ private slots:
         QVERIFY(QFile::exists(folder.filePath("run_fl.txt")));
         QVERIFY(QFile::exists(folder.filePath("run_Tave.txt")));
     }
+
+    // Deliberate: the time type does not choose among 3D drivers; there is only one.
+    void aThreeDimensionalCaseTakesItsOwnDriverWhateverTheTimeType_data() {
+        QTest::addColumn<bool>("steady");
+        QTest::newRow("steady") << true;
+        QTest::newRow("transient") << false;
+    }
+    void aThreeDimensionalCaseTakesItsOwnDriverWhateverTheTimeType() {
+        QFETCH(bool, steady);
+        const QTemporaryDir folder;
+        RunTask task;
+        task.steps = 1;
+        task.is3D = true;
+        task.steady = steady;
+        task.fileName = folder.filePath("run.dat");
+        QVERIFY(startRunTask(task));
+        QTRY_VERIFY(!fluvane::runActive());
+        // Nothing changes in the empty mesh, so the check of step 0 ends the run.
+        QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList("run_0.dat"));
+        QFile file(folder.filePath("run_0.dat"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains("FETETRAHEDRON"));
+    }
 };
 
 QTEST_MAIN(RunTaskTest)

@@ -54,6 +54,22 @@ TEST_F(FluentScanTest, CountsUpToTheLimitAreReadAndPointedAt) {
     EXPECT_EQ(FluentScan::originOf(count).toStdString(), " (line 2 says \"a\")");
 }
 
+// Deliberate: upper-case letters are zero digits of 3D face lines, but count in 2D ones.
+TEST_F(FluentScanTest, LowerCaseWordsTakeUpperCaseLettersForZero) {
+    std::array<std::int32_t, 3> values{};
+    int count = 0;
+    ASSERT_TRUE(parseLowerCaseFaceWords(" 1A f0\tCf 7fffffff", values.data(), 3, count));
+    EXPECT_EQ(count, 4);
+    EXPECT_EQ(values, (std::array<std::int32_t, 3>{0x10, 0xf0, 0x0f}));
+    std::string_view rest;
+    ASSERT_TRUE(parseFaceWords(" 1A f0\tCf 7fffffff", values.data(), 3, rest));
+    EXPECT_EQ(values, (std::array<std::int32_t, 3>{0x1a, 0xf0, 0xcf}));
+    ASSERT_TRUE(parseLowerCaseFaceWords("", values.data(), 3, count));
+    EXPECT_EQ(count, 0);
+    for (const char* junk : {"g", "1 2)", "80000000", "1 ffffffffffffffffffff", "-1"})
+        EXPECT_FALSE(parseLowerCaseFaceWords(junk, values.data(), 3, count)) << junk;
+}
+
 TEST_F(FluentScanTest, EveryEndOfTheNameIsTakenOff) {
     FluentScan scan("file.msh", "Zone Sections\n\n\n(45 (3 wall a)())b)())\n");
     ASSERT_TRUE(scan.next());

@@ -1,4 +1,4 @@
-// 2D result files, byte for byte.
+// Result files, byte for byte.
 #include "output/result_file.h"
 
 #include "small_mesh.h"
@@ -23,6 +23,21 @@ using testing::readFile;
 
 constexpr int headerLines = 11;
 
+using Block = std::vector<std::string>;
+
+/// All lines of a file; every one must end in CR LF.
+Block linesOf(const QString& path) {
+    const std::string text = readFile(path).toStdString();
+    Block lines;
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
+        EXPECT_TRUE(end > start && text[end - 1] == '\r') << "line " << lines.size() + 1;
+        lines.push_back(text.substr(start, end - 1 - start));
+    }
+    EXPECT_EQ(start, text.size()) << "the last line ends too";
+    return lines;
+}
+
 class ResultFile : public testing::OutputTest {
 protected:
     void SetUp() override {
@@ -31,28 +46,63 @@ protected:
         caseSettings.U0 = 0.5;
     }
 
-    /// All lines of the written file; every one must end in CR LF.
-    std::vector<std::string> writtenLines() {
+    Block writtenLines() const {
         EXPECT_TRUE(writeResult2D(inFolder("r.dat")));
-        const std::string text = readFile(inFolder("r.dat")).toStdString();
-        std::vector<std::string> lines;
-        std::size_t start = 0;
-        for (std::size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
-            EXPECT_TRUE(end > start && text[end - 1] == '\r') << "line " << lines.size() + 1;
-            lines.push_back(text.substr(start, end - 1 - start));
-        }
-        EXPECT_EQ(start, text.size()) << "the last line ends too";
-        return lines;
+        return linesOf(inFolder("r.dat"));
     }
 
     /// The lines of block `index` after the coordinates: 0 rho, 1 u, 2 v, 3 T, 4 H, 5 fl.
-    std::vector<std::string> cellBlock(std::ptrdiff_t index) {
-        const std::vector<std::string> lines = writtenLines();
+    Block cellBlock(std::ptrdiff_t index) const {
+        const Block lines = writtenLines();
         const auto first = lines.begin() + headerLines + 2 * mesh.pointCount + index * mesh.cellCount;
         return {first, first + mesh.cellCount};
     }
+};
 
-    using Block = std::vector<std::string>;
+constexpr int headerLines3D = 5;
+
+/// A tetrahedron and a pyramid on five points, and the extra point of every 3D mesh; all fields different.
+class ResultFile3D : public testing::OutputTest {
+protected:
+    void SetUp() override {
+        OutputTest::SetUp();
+        caseSettings.is3D = true;
+        caseSettings.U0 = 0.5;
+        velocitySet.velocityCount = 19;
+        mesh.pointCount = 6;
+        mesh.pointX = {0.0, 1.0, 0.0, 1.0 / 3.0, 0.25, 0.0};
+        mesh.pointY = {0.0, 0.0, 1.0, 0.0, 0.25, 0.0};
+        mesh.pointZ = {0.0, 0.0, -0.1, 1e-5, 2.0, 0.0};
+        mesh.allocateCells3D(2);
+        CellRecord3D& tetrahedron = mesh.cells3D[0];
+        tetrahedron.nodeCount = 4;
+        tetrahedron.nodes = {3, 0, 2, 1, -1, -1, -1, -1};
+        tetrahedron.rho = 1.5;
+        tetrahedron.u = 0.25;
+        tetrahedron.v = -0.125;
+        tetrahedron.w = 1e-20;
+        tetrahedron.T = 0.75;
+        CellRecord3D& pyramid = mesh.cells3D[1];
+        pyramid.nodeCount = 5;
+        pyramid.nodes = {0, 1, 4, 2, 3, -1, -1, -1};
+        pyramid.rho = 1234567.0;
+        pyramid.u = 1.0 / 3.0;
+        pyramid.v = 1e-5;
+        pyramid.w = -2.0;
+        pyramid.T = 0.1;
+    }
+
+    Block writtenLines() const {
+        EXPECT_TRUE(writeResult3D(inFolder("r.dat")));
+        return linesOf(inFolder("r.dat"));
+    }
+
+    /// The lines of block `index` after the coordinates: 0 rho, 1 u, 2 v, 3 w, 4 T.
+    Block cellBlock(std::ptrdiff_t index) const {
+        const Block lines = writtenLines();
+        const auto first = lines.begin() + headerLines3D + 3 * mesh.pointCount + index * mesh.cellCount;
+        return {first, first + mesh.cellCount};
+    }
 };
 
 TEST_F(ResultFile, HasExactlyTheseBytesForAMixedMesh) {
@@ -310,6 +360,151 @@ TEST_F(ResultFile, ErrorIsNotFiniteWithACellCentreAtTheOrigin) {
     EXPECT_FALSE(std::isfinite(exactSolutionError()));
     const std::string line = writtenLines()[6];
     EXPECT_TRUE(line == "error=nan" || line == "error=-nan") << line;
+}
+
+// --- three dimensions ------------------------------------------------------------------------------------
+
+TEST_F(ResultFile3D, HasExactlyTheseBytes) {
+    caseSettings.heatOn = true;
+    caseSettings.thermalScaleKind = 0;
+    caseSettings.dT = 2.0;
+    const std::string expected = "TITLE = \"UNSTRUCTED TEST\"\r\n"
+                                 "VARIABLES = \"X\", \"Y\",\"Z\",\"rho\",\"u\",\"v\",\"w\",\"T\"\r\n"
+                                 "ZONE N=6, E=2, ZONETYPE = FETETRAHEDRON\r\n"
+                                 "DATAPACKING = BLOCK\r\n"
+                                 "VARLOCATION = ([1-3]=NODAL, [4-8]=CELLCENTERED)\r\n"
+                                 "0\r\n1\r\n0\r\n0.333333\r\n0.25\r\n0\r\n"
+                                 "0\r\n0\r\n1\r\n0\r\n0.25\r\n0\r\n"
+                                 "0\r\n0\r\n-0.1\r\n1e-05\r\n2\r\n0\r\n"
+                                 "1.5\r\n1.23457e+06\r\n"
+                                 "0.25\r\n0.333333\r\n"
+                                 "-0.125\r\n1e-05\r\n"
+                                 "1e-20\r\n-2\r\n"
+                                 "0.375\r\n0.05\r\n"
+                                 "4 1 3 2 \r\n"
+                                 "1 2 5 3 4 \r\n";
+    ASSERT_TRUE(writeResult3D(inFolder("golden.dat")));
+    EXPECT_EQ(readFile(inFolder("golden.dat")).toStdString(), expected);
+}
+
+TEST_F(ResultFile3D, DeliberateNoParametersAndNoErrorLineStandBetweenTitleAndVariables) {
+    caseSettings.flowOn = 1;
+    caseSettings.Re = 100;
+    const Block lines = writtenLines();
+    EXPECT_EQ(lines[0], "TITLE = \"UNSTRUCTED TEST\"");
+    EXPECT_EQ(lines[1].rfind("VARIABLES = ", 0), 0u) << lines[1];
+    for (const std::string& line : lines)
+        for (const char* const key : {"Isflow", "Isheat", "Isnatural", "Re=", "niu", "error"})
+            EXPECT_EQ(line.find(key), std::string::npos) << line;
+}
+
+TEST_F(ResultFile3D, DeliberateVelocitiesAreWrittenAsStoredAndNotInUnitsOfTheReferenceVelocity) {
+    for (const double U0 : {0.5, 0.0}) {
+        caseSettings.U0 = U0;
+        EXPECT_EQ(cellBlock(1), (Block{"0.25", "0.333333"})) << U0;
+        EXPECT_EQ(cellBlock(2), (Block{"-0.125", "1e-05"})) << U0;
+        EXPECT_EQ(cellBlock(3), (Block{"1e-20", "-2"})) << U0;
+    }
+}
+
+TEST_F(ResultFile3D, DeliberateNoEnthalpyAndNoLiquidFractionIsWrittenWhateverTheThermalMode) {
+    const std::size_t count = writtenLines().size();
+    EXPECT_EQ(count, 5u + 3 * 6 + 5 * 2 + 2);
+    caseSettings.thermalMode = 1;
+    caseSettings.Hliquidus = 1.0;
+    EXPECT_EQ(writtenLines().size(), count);
+}
+
+TEST_F(ResultFile3D, DeliberateConnectivityLinesHoldAllCornersOfACellAndNoPadding) {
+    const Block before = writtenLines();
+    EXPECT_EQ(before[before.size() - 2], "4 1 3 2 ");
+    EXPECT_EQ(before[before.size() - 1], "1 2 5 3 4 ");
+    EXPECT_EQ(before[2], "ZONE N=6, E=2, ZONETYPE = FETETRAHEDRON");
+    mesh.cells3D[0].nodeCount = 3;
+    mesh.cells3D[1].nodeCount = 8;
+    mesh.cells3D[1].nodes = {0, 1, 2, 3, 4, 5, 0, 1};
+    const Block after = writtenLines();
+    EXPECT_EQ(after[after.size() - 2], "4 1 3 ");
+    EXPECT_EQ(after[after.size() - 1], "1 2 3 4 5 6 1 2 ");
+    EXPECT_EQ(after[2], before[2]);
+}
+
+TEST_F(ResultFile3D, ScalesTheTemperatureAsInTwoDimensions) {
+    caseSettings.heatOn = true;
+    caseSettings.dT = 2.0;
+    caseSettings.alpha = 0.5;
+    caseSettings.L = 4.0;
+    caseSettings.thermalScaleKind = 0;
+    EXPECT_EQ(cellBlock(4), (Block{"0.375", "0.05"}));
+    caseSettings.thermalScaleKind = 1;
+    EXPECT_EQ(cellBlock(4), (Block{"0.046875", "0.00625"}));
+    caseSettings.thermalScaleKind = 2;
+    EXPECT_EQ(cellBlock(4), (Block{"0.0117188", "0.0015625"}));
+}
+
+TEST_F(ResultFile3D, WritesNoTemperatureAtAllForAnUnknownKindOfThermalScale) {
+    const std::size_t full = writtenLines().size();
+    caseSettings.heatOn = true;
+    for (const int kind : {-1, 3}) {
+        caseSettings.thermalScaleKind = kind;
+        EXPECT_EQ(writtenLines().size(), full - 2) << kind;
+    }
+}
+
+TEST_F(ResultFile3D, WritesTheStoredTemperatureWithoutHeatTransfer) {
+    caseSettings.heatOn = false;
+    caseSettings.dT = 2.0;
+    caseSettings.thermalScaleKind = 7;
+    EXPECT_EQ(cellBlock(4), (Block{"0.75", "0.1"}));
+}
+
+TEST_F(ResultFile3D, WritesTheHeaderAndEmptyBlocksForAnEmptyMesh) {
+    mesh.clear();
+    const Block lines = writtenLines();
+    ASSERT_EQ(lines.size(), static_cast<std::size_t>(headerLines3D));
+    EXPECT_EQ(lines[2], "ZONE N=0, E=0, ZONETYPE = FETETRAHEDRON");
+}
+
+TEST_F(ResultFile3D, ShowsTheCapturedInstantAfterTheFieldsMovedOn) {
+    caseSettings.heatOn = true;
+    caseSettings.dT = 2.0;
+    ASSERT_TRUE(writeResult3D(inFolder("before.dat")));
+    const ResultSnapshot3D snapshot = captureResult3D();
+    for (CellRecord3D& cell : mesh.cells3D)
+        cell.rho = cell.u = cell.v = cell.w = cell.T = 77.0;
+    caseSettings.dT = 5.0;
+    caseSettings.thermalScaleKind = 1;
+    ASSERT_TRUE(writeResult3D(inFolder("later.dat"), snapshot));
+    EXPECT_EQ(readFile(inFolder("later.dat")), readFile(inFolder("before.dat")));
+}
+
+TEST_F(ResultFile3D, RefusesASnapshotOfAnotherMesh) {
+    const ResultSnapshot3D snapshot = captureResult3D();
+    mesh.clear();
+    EXPECT_FALSE(writeResult3D(inFolder("r.dat"), snapshot));
+    EXPECT_FALSE(QFileInfo::exists(inFolder("r.dat")));
+}
+
+TEST_F(ResultFile3D, FailsSilentlyWhereNoFileCanBeOpened) {
+    ::testing::internal::CaptureStderr();
+    EXPECT_FALSE(writeResult3D(inFolder("missing/r.dat")));
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(ResultFile3D, HasTheSameBytesInEveryLocale) {
+    ASSERT_TRUE(writeResult3D(inFolder("c.dat")));
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    std::setlocale(LC_ALL, "de_DE.UTF-8");
+    EXPECT_TRUE(writeResult3D(inFolder("de.dat")));
+    std::setlocale(LC_ALL, before.c_str());
+    EXPECT_EQ(readFile(inFolder("de.dat")), readFile(inFolder("c.dat")));
+}
+
+TEST_F(ResultFile3D, PrintsValuesThatAreNotFinite) {
+    mesh.cells3D[0].u = INFINITY;
+    mesh.cells3D[1].u = NAN;
+    EXPECT_EQ(cellBlock(1)[0], "inf");
+    EXPECT_EQ(cellBlock(1)[1], "nan");
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-// A guided tour: takes the lid-driven cavity through the real windows as a user would and leaves a picture of
-// each window and the results in a folder.
+// A guided tour: takes a lid-driven cavity, plane or spatial, through the real windows as a user would and
+// leaves a picture of each window and the results in a folder.
 #include "app/main_window.h"
 #include "dialogs/case_settings.h"
 #include "mesh/run_gate.h"
@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileDialog>
@@ -22,6 +23,8 @@
 #include <QThread>
 #include <QThreadPool>
 #include <QTimer>
+#include <algorithm>
+#include <array>
 #include <cstdio>
 #include <stdexcept>
 
@@ -44,10 +47,34 @@ T* part(const QObject* owner, const char* name) {
     return found;
 }
 
+/// What a case types and picks, as its README says.
+struct TourCase {
+    QString name;
+    bool is3D;
+    QString velocityFile;
+    QString meshFile;
+    QString CFL; ///< empty: as it stands
+    QString L;
+    QString Re;
+    QStringList wallVelocity; ///< the fields of the wall velocity's components
+};
+
+const std::array<TourCase, 2> tourCases{{
+    {"cavity", false, "Velocity_file/D2Q9.2Dv", "cavity/cavity_32.msh", {}, "1", "100", {"ux", "uy"}},
+    {"cavity-3d",
+     true,
+     "Velocity_file/D3Q19.3Dv",
+     "cavity-3d/cavity_3d_10.msh",
+     "0.15",
+     "10",
+     "100",
+     {"ux", "uy", "uz"}},
+}};
+
 class Tour {
 public:
-    Tour(const QString& casesFolder, const QString& outputFolder)
-        : m_cases(casesFolder), m_output(outputFolder) {
+    Tour(const TourCase& tourCase, const QString& casesFolder, const QString& outputFolder)
+        : m_case(tourCase), m_cases(casesFolder), m_output(outputFolder) {
         m_poll.setInterval(50);
         QObject::connect(&m_poll, &QTimer::timeout, qApp, [this] { answer(); });
         m_poll.start();
@@ -154,12 +181,11 @@ private:
     }
 
     void openCase() {
-        m_names =
-            QStringList{m_cases.filePath("Velocity_file/D2Q9.2Dv"), m_cases.filePath("cavity/cavity_32.msh")};
+        m_names = QStringList{m_cases.filePath(m_case.velocityFile), m_cases.filePath(m_case.meshFile)};
         choose("actionOpen");
         QWidget& dimension = dialog("Dimension_Win");
         picture(dimension, "dimension");
-        press(dimension, "pushButton_2D");
+        press(dimension, m_case.is3D ? "pushButton_3D" : "pushButton_2D");
         expect(fluvane::caseSettings.meshLoaded, QStringLiteral("the sample mesh was not read"));
         picture(window(), "main-mesh");
     }
@@ -167,13 +193,17 @@ private:
     void setLattice() {
         choose("actionLattice");
         QWidget& lattice = dialog("Lattice_Win");
+        if (!m_case.CFL.isEmpty())
+            type(lattice, "lineEdit_CFL", m_case.CFL);
         picture(lattice, "lattice");
         press(lattice, "pushButton_ok");
         QWidget& physics = dialog("Initial_Win");
         picture(physics, "physics");
-        visitPhaseChange(physics);
-        type(physics, "lineEdit_L", QStringLiteral("1"));
-        type(physics, "lineEdit_Re_or_Ra", QStringLiteral("100"));
+        if (!m_case.is3D)
+            visitPhaseChange(physics);
+        part<QComboBox>(&physics, "comboBox_heat_transfer")->setCurrentIndex(0);
+        type(physics, "lineEdit_L", m_case.L);
+        type(physics, "lineEdit_Re_or_Ra", m_case.Re);
         picture(physics, "physics-cavity");
         press(physics, "pushButton_ok");
         expect(fluvane::caseSettings.latticeInitialised, QStringLiteral("the physics was not taken"));
@@ -189,24 +219,40 @@ private:
         picture(solidLiquid, "solid-liquid");
         press(solidLiquid, "pushButton_cancel");
         phase->setCurrentIndex(0);
-        part<QComboBox>(&physics, "comboBox_heat_transfer")->setCurrentIndex(0);
     }
 
     void setBoundaries() {
         choose("actionBoundary");
-        QWidget& wizard = dialog("Boundary_Information_Win");
+        QWidget& wizard = dialog(m_case.is3D ? "Boundary_Information_Win_3D" : "Boundary_Information_Win");
         for (int zone = 0; zone < 100 && !fluvane::caseSettings.boundaryInitialised; ++zone) {
-            const bool lid = part<QLabel>(&wizard, "labelBI")->text().contains(QStringLiteral("lid"));
-            type(wizard, "lineEdit_ux", lid ? QStringLiteral("1") : QStringLiteral("0"));
-            type(wizard, "lineEdit_uy", QStringLiteral("0"));
+            fillPage(wizard);
             picture(wizard, QStringLiteral("boundary-%1").arg(zone));
+            if (zone == 1)
+                lookBack(wizard);
             press(wizard, "pushButtonnext");
         }
         expect(fluvane::caseSettings.boundaryInitialised, QStringLiteral("the boundaries were not taken"));
     }
 
+    /// The lid slides along x, the other walls are at rest.
+    void fillPage(QWidget& wizard) {
+        const bool lid = part<QLabel>(&wizard, "labelBI")->text().contains(QStringLiteral("lid"));
+        for (const QString& component : m_case.wallVelocity)
+            type(wizard, ("lineEdit_" + component).toLatin1().constData(),
+                 lid && component == "ux" ? QStringLiteral("1") : QStringLiteral("0"));
+    }
+
+    /// One page back and forth; the page that was left is filled again.
+    void lookBack(QWidget& wizard) {
+        press(wizard, "pushButtonlast");
+        picture(wizard, QStringLiteral("boundary-back"));
+        fillPage(wizard);
+        press(wizard, "pushButtonnext");
+        fillPage(wizard);
+    }
+
     void compute() {
-        m_names = QStringList{m_output.absoluteFilePath("results/cavity.dat")};
+        m_names = QStringList{m_output.absoluteFilePath("results/" + m_case.name + ".dat")};
         press(window(), "pushButton_compute");
         QWidget& control = dialog("NUM_Process_Win");
         picture(control, "run-control-defaults");
@@ -236,6 +282,7 @@ private:
         expect(QFile::exists(m_output.filePath("results/saved.dat")), QStringLiteral("nothing was saved"));
     }
 
+    const TourCase& m_case;
     QDir m_cases;
     QDir m_output;
     QTimer m_poll;
@@ -245,30 +292,49 @@ private:
     int m_pictures = 0;
 };
 
+QString caseHelp() {
+    QStringList names;
+    for (const TourCase& c : tourCases)
+        names << c.name;
+    return QStringLiteral("The case to take: ") + names.join(QStringLiteral(", ")) + '.';
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     const QApplication application(argc, argv);
-    const QStringList arguments = QApplication::arguments();
-    if (arguments.size() != 3) {
-        std::fprintf(stderr, "usage: %s CASES_FOLDER OUTPUT_FOLDER\n", argv[0]);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Takes a sample case through the windows and leaves pictures of them."));
+    parser.addHelpOption();
+    const QCommandLineOption caseOption(QStringLiteral("case"), caseHelp(), QStringLiteral("name"),
+                                        tourCases.front().name);
+    parser.addOption(caseOption);
+    parser.addPositionalArgument(QStringLiteral("cases"), QStringLiteral("The folder of the sample cases."));
+    parser.addPositionalArgument(QStringLiteral("output"), QStringLiteral("Emptied, then filled."));
+    parser.process(application);
+    const QStringList arguments = parser.positionalArguments();
+    const auto tourCase = std::find_if(tourCases.begin(), tourCases.end(),
+                                       [&](const TourCase& c) { return c.name == parser.value(caseOption); });
+    if (arguments.size() != 2 || tourCase == tourCases.end()) {
+        std::fprintf(stderr, "%s", qPrintable(parser.helpText()));
         return 2;
     }
-    QDir output(arguments.at(2));
+    QDir output(arguments.at(1));
     output.removeRecursively();
     if (!output.mkpath(QStringLiteral("results"))) {
         std::fprintf(stderr, "cannot make the folder %s\n", qPrintable(output.path()));
         return 1;
     }
     const QString outputFolder = output.absolutePath();
-    const QString casesFolder = QDir(arguments.at(1)).absolutePath();
+    const QString casesFolder = QDir(arguments.at(0)).absolutePath();
     QDir::setCurrent(casesFolder);
     mainWindow = new MainWindow;
     int code = 0;
     try {
-        Tour tour(casesFolder, outputFolder);
+        Tour tour(*tourCase, casesFolder, outputFolder);
         tour.walk();
         std::printf("%d pictures: %s\nresults: %s\n", tour.pictures(), qPrintable(outputFolder),
                     qPrintable(tour.resultFolder()));
