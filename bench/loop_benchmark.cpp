@@ -5,6 +5,7 @@
 #include "mesh/mesh.h"
 #include "mesh_bytes.h"
 #include "solver2d/loop_kernels_2d.h"
+#include "solver2d/loop_team.h"
 #include "solver2d/step_traffic.h"
 #include "solver3d/loop_kernels_3d.h"
 #include "timing.h"
@@ -39,41 +40,37 @@ struct LoopResult {
 
 struct CaseResult {
     std::vector<LoopResult> loops;
-    RowStores stores = RowStores::ordinary;
     double cells = 0.0;
     double bandwidth = 0.0; ///< bytes a second on arrays as large as those of the step
 };
 
-/// How rows are written to the data's pools.
-template <class Data>
-RowStores storesInto([[maybe_unused]] const Data& data) {
-    if constexpr (requires { data.exceedsCaches; })
-        return data.exceedsCaches ? RowStores::pastCaches : RowStores::ordinary;
-    else
-        return RowStores::ordinary;
-}
-
-/// Steps loop by loop; the median time of each.
+/// Steps loop by loop, on a team that stays together as in a run; the median time of each.
 template <std::size_t N, class Data>
 CaseResult timed(const StepConstants& constants, const Data& data, const std::array<Loop<Data>, N>& loops,
                  const std::array<LoopTraffic, N>& traffic) {
     CaseResult result;
-    result.stores = storesInto(data);
     result.cells = mesh.cellCount;
     result.bandwidth =
         bench::measureBandwidth(std::min(bench::stepBytes(), 8 * bench::lastLevelCache())).best();
     const int steps = std::max(1, static_cast<int>(2e5 / result.cells));
     const int samples = result.cells > 2e5 ? 5 : 9;
     std::array<std::vector<double>, N> seconds;
-    for (int sample = -1; sample < samples; ++sample) { // the first one warms up
+    const auto sampleLoops = [&] {
         std::array<double, N> sums{};
         for (int step = 0; step < steps; ++step)
             for (std::size_t n = 0; n < N; ++n)
                 sums[n] += bench::secondsPerCall(
                     1, [&] { runLoops(constants, data, std::array<Loop<Data>, 1>{loops[n]}); });
-        for (std::size_t n = 0; sample >= 0 && n < N; ++n)
+        for (std::size_t n = 0; n < N; ++n)
             seconds[n].push_back(sums[n] / steps);
-    }
+    };
+    withTeam([&] {
+        sampleLoops();
+        for (auto& warmUp : seconds)
+            warmUp.clear();
+        for (int sample = 0; sample < samples; ++sample)
+            sampleLoops();
+    });
     for (std::size_t n = 0; n < N; ++n)
         result.loops.push_back({bench::median(seconds[n]), traffic[n]});
     return result;
@@ -121,31 +118,28 @@ const CaseResult& resultOf(const std::shared_ptr<const LoopCase>& wanted) {
     return result;
 }
 
-void report(benchmark::State& state, const CaseResult& result, double seconds, double bytes) {
-    const double bound = bytes / result.bandwidth;
-    state.SetIterationTime(seconds);
-    state.counters["cells"] = result.cells;
-    state.counters["ns/cell"] = seconds / result.cells * 1e9;
-    state.counters["bytes/cell"] = bytes / result.cells;
-    state.counters["GB/s"] = bytes / seconds * 1e-9;
-    state.counters["bandwidth_GB/s"] = result.bandwidth * 1e-9;
-    state.counters["bound_ns/cell"] = bound / result.cells * 1e9;
-    state.counters["share_of_bound"] = bound / seconds;
-    state.counters["past_caches"] = result.stores == RowStores::pastCaches ? 1 : 0;
-}
-
 /// One loop, or with index -1 all of them together.
 void loopOf(benchmark::State& state, const std::shared_ptr<const LoopCase>& wanted, int index) {
     for ([[maybe_unused]] auto iteration : state) {
         const CaseResult& result = resultOf(wanted);
-        double seconds = 0.0, bytes = 0.0;
+        double seconds = 0.0, bytes = 0.0, allocated = 0.0;
         for (std::size_t n = 0; n < result.loops.size(); ++n) {
             if (index >= 0 && n != static_cast<std::size_t>(index))
                 continue;
             seconds += result.loops[n].seconds;
-            bytes += static_cast<double>(result.loops[n].traffic.bytes(result.stores));
+            bytes += static_cast<double>(result.loops[n].traffic.bytes(RowStores::ordinary));
+            allocated += static_cast<double>(result.loops[n].traffic.allocated);
         }
-        report(state, result, seconds, bytes);
+        const double bound = bytes / result.bandwidth;
+        state.SetIterationTime(seconds);
+        state.counters["cells"] = result.cells;
+        state.counters["ns/cell"] = seconds / result.cells * 1e9;
+        state.counters["bytes/cell"] = bytes / result.cells;
+        state.counters["allocated_bytes/cell"] = allocated / result.cells;
+        state.counters["GB/s"] = bytes / seconds * 1e-9;
+        state.counters["bandwidth_GB/s"] = result.bandwidth * 1e-9;
+        state.counters["bound_ns/cell"] = bound / result.cells * 1e9;
+        state.counters["share_of_bound"] = bound / seconds;
     }
 }
 

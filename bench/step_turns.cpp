@@ -2,6 +2,7 @@
 #include "step_turns.h"
 
 #include "mesh/mesh.h"
+#include "solver2d/loop_team.h"
 #include "timing.h"
 
 #include <algorithm>
@@ -23,13 +24,19 @@ public:
     explicit Turns(double cells)
         : m_cells(cells), m_repetitions(std::max(1, static_cast<int>(1e5 / cells))) {}
 
+    /// Steps of the program, on a team that stays together as in a run.
     void take(const std::string& name, int threads, const Step& step) {
+        omp_set_num_threads(threads);
+        withTeam([&] { sample(name, step); });
+    }
+    /// Steps of the plain reference, which gathers its threads itself.
+    void takePlain(const std::string& name, int threads, const Step& step) {
         omp_set_num_threads(threads);
 #pragma omp parallel
         {
-            // Starts the team, so that no sample pays for it.
+            // Starts the threads, so that no sample pays for it.
         }
-        m_seconds[name].push_back(secondsPerCall(m_repetitions, step));
+        sample(name, step);
     }
     double nanosecondsPerCell(const std::string& name) const {
         return median(m_seconds.at(name)) / m_cells * 1e9;
@@ -54,6 +61,10 @@ public:
     }
 
 private:
+    void sample(const std::string& name, const Step& step) {
+        m_seconds[name].push_back(secondsPerCall(m_repetitions, step));
+    }
+
     double m_cells;
     int m_repetitions;
     std::map<std::string, std::vector<double>> m_seconds;
@@ -68,10 +79,10 @@ void stepInTurns(benchmark::State& state, const Step& step, const Step& plainSte
     plainStep();
     for ([[maybe_unused]] auto iteration : state) {
         turns.take("one", 1, step);
-        turns.take("plain_one", 1, plainStep);
+        turns.takePlain("plain_one", 1, plainStep);
         turns.take("all", all, step);
         turns.take("proposed", proposedThreads, step);
-        turns.take("plain_all", all, plainStep);
+        turns.takePlain("plain_all", all, plainStep);
         state.SetIterationTime(turns.last("all"));
     }
     turns.report(state);

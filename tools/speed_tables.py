@@ -126,6 +126,13 @@ def loop_cases(results):
     return cases
 
 
+BYTES_HEAD = ["Bytes a cell", "of these to write only"]
+
+
+def _bytes_columns(b):
+    return [f"{b['bytes/cell']:.0f}", f"{b['allocated_bytes/cell']:.0f}"]
+
+
 def _loop_columns(by_threads, loop):
     columns = []
     for loops in by_threads.values():
@@ -154,9 +161,9 @@ def loops(results):
         bound = ", ".join(
             f"{rounded(each['all']['bandwidth_GB/s'])} GB/s on {count}" for count, each in by_threads.items()
         )
-        rows = [[loop, f"{one[loop]['bytes/cell']:.0f}", *_loop_columns(by_threads, loop)] for loop in one]
+        rows = [[loop, *_bytes_columns(one[loop]), *_loop_columns(by_threads, loop)] for loop in one]
         title = f"{mesh.capitalize()}, {physics}, {thousands(cells)} cells; bandwidth {bound}:"
-        texts.append(title + "\n\n" + table(_loop_head(["Loop", "Bytes a cell"], by_threads), rows))
+        texts.append(title + "\n\n" + table(_loop_head(["Loop", *BYTES_HEAD], by_threads), rows))
     return "\n\n".join(texts) or "Not measured."
 
 
@@ -166,10 +173,9 @@ def loop_sums(results):
     rows = []
     for (mesh, _, physics), by_threads in cases.items():
         all_loops = next(iter(by_threads.values()))["all"]
-        stores = "past the caches" if all_loops["past_caches"] else "ordinary"
-        rows.append([thousands(all_loops["cells"]), f"{mesh}, {physics}", stores, f"{all_loops['bytes/cell']:.0f}",
+        rows.append([thousands(all_loops["cells"]), f"{mesh}, {physics}", *_bytes_columns(all_loops),
                      *_loop_columns(by_threads, "all")])
-    head = _loop_head(["Cells", "Case", "Stores", "Bytes a cell"], next(iter(cases.values()), {}))
+    head = _loop_head(["Cells", "Case", *BYTES_HEAD], next(iter(cases.values()), {}))
     return table(head, rows)
 
 
