@@ -351,7 +351,7 @@ FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const Data& d,
         const R side = along<R>(c, k, S);
         R value = R::select(side, R::load(bar0 + k), R::load(bar1 + k));
         for (int axis = 0; axis < D; ++axis) {
-            const R distance = R::select(side, d0[axis], d1[axis]) - R::load(c.xi[axis] + k) * c.halfStep;
+            const R distance = R::select(side, d0[axis], d1[axis]) - R::load(c.reach[axis] + k);
             const R slope =
                 R::select(side, R::load(gradient0 + axis * q + k), R::load(gradient1 + axis * q + k));
             value = value + distance * slope;
@@ -361,7 +361,7 @@ FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const Data& d,
 }
 
 /// How many records ahead of those at work the rows of neighbours are asked for.
-inline constexpr std::ptrdiff_t prefetchDistance = 12;
+inline constexpr std::ptrdiff_t prefetchDistance = 8;
 
 /// Asks for what the reconstruction on a face will read of its two cells.
 template <int Q, class Data>
@@ -422,13 +422,12 @@ struct OneSided {
     const double* bar;
     const double* gradient;
     std::ptrdiff_t q;
-    double h;
     Vector<D> distance;
 
     FLUVANE_FORCE_INLINE double operator()(const StepConstants& c, int k) const {
         double value = bar[k];
         for (int axis = 0; axis < D; ++axis)
-            value = value + (distance[axis] - c.xi[axis][k] * h) * gradient[axis * q + k];
+            value = value + (distance[axis] - c.reach[axis][k]) * gradient[axis * q + k];
         return value;
     }
 };
@@ -438,7 +437,7 @@ FLUVANE_FORCE_INLINE OneSided<Data::dimensions> oneSided(const StepConstants& c,
                                                          const typename Data::FaceType& face,
                                                          const double* barPlus, const double* gradient) {
     const std::ptrdiff_t q = c.velocityCount;
-    return {barPlus + face.c0 * q, gradient + Data::dimensions * q * face.c0, q, c.halfStep,
+    return {barPlus + face.c0 * q, gradient + Data::dimensions * q * face.c0, q,
             centreOf(face) - centreOf(d.cells[face.c0])};
 }
 

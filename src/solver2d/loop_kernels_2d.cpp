@@ -54,12 +54,14 @@ void collideEnthalpy(const StepConstants& c, const StepData2D& d, std::int32_t f
 
 template <int Q>
 void collide(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
-    if (c.flowOn)
-        collideFlow<Q>(c, d, first, last);
-    if (c.heat == HeatForm::temperature)
-        collideTemperature<Q>(c, d, first, last);
-    else if (c.enthalpyForm())
-        collideEnthalpy<Q>(c, d, first, last);
+    overBlocks(first, last, [&](std::int32_t begin, std::int32_t end) {
+        if (c.flowOn)
+            collideFlow<Q>(c, d, begin, end);
+        if (c.heat == HeatForm::temperature)
+            collideTemperature<Q>(c, d, begin, end);
+        else if (c.enthalpyForm())
+            collideEnthalpy<Q>(c, d, begin, end);
+    });
 }
 
 // ---- interior faces -------------------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include "solver2d/force_inline.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <type_traits>
 
@@ -142,6 +143,15 @@ FLUVANE_FORCE_INLINE void overGroups(std::ptrdiff_t first, std::ptrdiff_t last, 
         body(i, std::integral_constant<int, group>{});
     for (; i < last; ++i)
         body(i, std::integral_constant<int, 1>{});
+}
+
+/// Calls body(first, last) for blocks of records so short that what two passes over a block have in common is
+/// still in the nearest cache at the second.
+template <class Body>
+FLUVANE_FORCE_INLINE void overBlocks(std::int32_t first, std::int32_t last, const Body& body) {
+    constexpr std::int32_t block = 32;
+    for (std::int32_t begin = first; begin < last; begin += block)
+        body(begin, last - begin < block ? last : begin + block);
 }
 
 /// The longest piece of a row that is worked on at once: up to nine numbers whole, longer rows in pieces of

@@ -28,6 +28,8 @@ void setVelocity(StepConstants& c, std::size_t k, const Vec3& xi) {
     c.xi[0][k] = xi.x;
     c.xi[1][k] = xi.y;
     c.xi[2][k] = xi.z;
+    for (auto axis : {0, 1, 2})
+        c.reach[axis][k] = c.xi[axis][k] * c.halfStep;
     c.weights[k] = velocitySet.weights[k];
     c.opposite[k] = velocitySet.opposite[k];
     c.momentFactors[k][0] = 1.0;

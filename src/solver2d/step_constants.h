@@ -32,6 +32,7 @@ struct StepConstants {
     static constexpr int tableSize = 32;
 
     alignas(64) double xi[3][tableSize] = {};
+    alignas(64) double reach[3][tableSize] = {}; ///< how far a velocity gets in half a step
     alignas(64) double weights[tableSize] = {};
     /// 1, xi_x, xi_y, xi_z of each velocity: the factors of density and momentum.
     alignas(64) double momentFactors[tableSize][4] = {};

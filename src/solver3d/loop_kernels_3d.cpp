@@ -12,10 +12,12 @@ namespace {
 /// Deliberate: the enthalpy form collides with the temperature equilibrium too.
 template <int Q>
 void collide(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
-    if (c.flowOn)
-        collideFlow<Q>(c, d, first, last);
-    if (c.heatOn())
-        collideTemperature<Q>(c, d, first, last);
+    overBlocks(first, last, [&](std::int32_t begin, std::int32_t end) {
+        if (c.flowOn)
+            collideFlow<Q>(c, d, begin, end);
+        if (c.heatOn())
+            collideTemperature<Q>(c, d, begin, end);
+    });
 }
 
 // ---- interior faces -------------------------------------------------------------------------------------
