@@ -113,11 +113,11 @@ public:
           interior(mesh.interiorFaceCount), faces(mesh.totalFaceCount()) {}
 
     LoopTraffic collide() const {
-        const std::int64_t visits = cells * fields;
-        const std::int64_t out = visits * 2 * row;
-        return {"collide", visits * (Form::moments(sampleCell).bytes() + row), out, out};
+        const std::int64_t rows = cells * fields * row;
+        return {"collide", cells * Form::moments(sampleCell).bytes() + rows, 2 * rows, 2 * rows};
     }
 
+    /// One pass over the mesh, lists included, for each distribution.
     LoopTraffic gradients() const {
         const std::int64_t entry = std::int64_t{sizeof(std::int32_t)} + Form::weightSize;
         const auto neighbours = static_cast<std::int64_t>(mesh.neighbourList.size());

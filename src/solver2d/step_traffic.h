@@ -12,10 +12,9 @@ namespace fluvane {
 enum class RowStores { ordinary, pastCaches };
 
 /// What one loop of a step moves, in bytes, when nothing is left in the caches from the loop before: every
-/// number and every cache line of a record that the loop touches once, the lists of neighbours once a pass.
-///
-/// A loop that solves flow and heat in two passes over the mesh (collision and gradients) moves records and
-/// lists twice. Boundary faces are counted as if every condition needed the moments of face and cell.
+/// number and every cache line of a record that the loop touches once. Only the gradients of flow and heat
+/// are two passes over the mesh, each with the lists of neighbours. Boundary faces are counted as if every
+/// condition needed the moments of face and cell.
 struct LoopTraffic {
     const char* name = "";
     std::int64_t read = 0; ///< also lines of which only a part is written: they have to be there first
