@@ -65,7 +65,7 @@ const std::array<TourCase, 2> tourCases{{
      true,
      "Velocity_file/D3Q19.3Dv",
      "cavity-3d/cavity_3d_10.msh",
-     "0.15",
+     "0.25",
      "10",
      "100",
      {"ux", "uy", "uz"}},
