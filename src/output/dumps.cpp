@@ -79,7 +79,7 @@ void appendFace2D(std::string& text, std::size_t index, const FaceRecord& face) 
         text += "   ";
         appendNumber(text, value);
     }
-    for (const double value : {face.fl, face.H}) {
+    for (const double value : {double{face.fl}, face.H}) {
         text += ' ';
         appendNumber(text, value);
     }

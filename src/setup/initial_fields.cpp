@@ -182,8 +182,8 @@ void resetFields2D() {
         cell.T = initialTemperature;
         if (enthalpyForm)
             cell.H = state.H;
-        std::copy_n(state.f.data(), Q, cell.fTilde);
-        std::copy_n(state.g.data(), Q, cell.gTilde);
+        std::copy_n(state.f.data(), Q, cell.fTilde.data());
+        std::copy_n(state.g.data(), Q, cell.gTilde.data());
     }
 }
 
@@ -199,8 +199,8 @@ void resetFields3D() {
         cell.rho = initialDensity;
         cell.u = cell.v = cell.w = 0.0;
         cell.T = initialTemperature;
-        std::copy_n(state.f.data(), Q, cell.fTilde);
-        std::copy_n(state.g.data(), Q, cell.gTilde);
+        std::copy_n(state.f.data(), Q, cell.fTilde.data());
+        std::copy_n(state.g.data(), Q, cell.gTilde.data());
     }
 }
 
