@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <vector>
 
 namespace fluvane::bench {
@@ -13,6 +14,14 @@ double secondsPerCall(int repetitions, const auto& work) {
     for (int n = 0; n < repetitions; ++n)
         work();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() / repetitions;
+}
+
+/// The same in seconds that the process was on a core: what else a busy machine does is left out.
+double coreSecondsPerCall(int repetitions, const auto& work) {
+    const std::clock_t start = std::clock();
+    for (int n = 0; n < repetitions; ++n)
+        work();
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC / repetitions;
 }
 
 inline double median(std::vector<double> values) {

@@ -3,21 +3,20 @@
 
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
-#include "output/number_format.h"
+#include "output/file_text.h"
 #include "output/whole_file.h"
 
-#include <QByteArray>
 #include <QString>
 #include <algorithm>
-#include <string>
+#include <string_view>
 
 namespace fluvane {
 
 namespace {
 
-const char* const lineEnd = "\r\n";
+constexpr std::string_view lineEnd = "\r\n";
 
-void appendVector(std::string& text, const Vec3& v) {
+void appendVector(FileText& text, const Vec3& v) {
     appendNumber(text, v.x);
     text += ',';
     appendNumber(text, v.y);
@@ -26,7 +25,7 @@ void appendVector(std::string& text, const Vec3& v) {
     text += lineEnd;
 }
 
-void appendCell2D(std::string& text, std::size_t index, const CellRecord& cell) {
+void appendCell2D(FileText& text, std::size_t index, const CellRecord& cell) {
     text += "m=";
     appendInteger(text, static_cast<std::int64_t>(index));
     text += "   cells_num=";
@@ -45,7 +44,7 @@ void appendCell2D(std::string& text, std::size_t index, const CellRecord& cell) 
     }
 }
 
-void appendCell3D(std::string& text, std::size_t index, const CellRecord3D& cell) {
+void appendCell3D(FileText& text, std::size_t index, const CellRecord3D& cell) {
     text += "m=";
     appendInteger(text, static_cast<std::int64_t>(index));
     text += "    V=";
@@ -69,7 +68,7 @@ void appendCell3D(std::string& text, std::size_t index, const CellRecord3D& cell
     appendVector(text, closure);
 }
 
-void appendFace2D(std::string& text, std::size_t index, const FaceRecord& face) {
+void appendFace2D(FileText& text, std::size_t index, const FaceRecord& face) {
     text += "m=";
     appendInteger(text, static_cast<std::int64_t>(index));
     text += ",    ";
@@ -86,7 +85,7 @@ void appendFace2D(std::string& text, std::size_t index, const FaceRecord& face) 
     text += lineEnd;
 }
 
-void appendFace3D(std::string& text, std::size_t index, const FaceRecord3D& face) {
+void appendFace3D(FileText& text, std::size_t index, const FaceRecord3D& face) {
     text += "m=";
     appendInteger(text, static_cast<std::int64_t>(index));
     text += ",  ";
@@ -103,29 +102,22 @@ std::size_t shownFaces(std::size_t recordCount) {
     return std::min(recordCount, static_cast<std::size_t>(std::max(mesh.totalFaceCount(), 0)));
 }
 
-} // namespace
-
-bool dumpPoints() {
-    std::string text;
+void appendPoints(FileText& text) {
     const bool is3D = caseSettings.is3D;
     const std::size_t count = is3D ? mesh.pointZ.size() : mesh.pointX.size();
     for (std::size_t i = 0; i < count; ++i) {
         text += "point ";
-        appendNumber(text, mesh.pointX[i]);
-        text += ',';
-        appendNumber(text, mesh.pointY[i]);
-        text += ',';
+        text.appendNumber(mesh.pointX[i], ",");
+        text.appendNumber(mesh.pointY[i], ",");
         if (is3D)
             appendNumber(text, mesh.pointZ[i]);
         else
             text += '0';
         text += lineEnd;
     }
-    return writeWholeFile(QStringLiteral("point.txt"), text);
 }
 
-bool dumpCells() {
-    std::string text;
+void appendCells(FileText& text) {
     if (caseSettings.is3D) {
         for (std::size_t m = 0; m < mesh.cells3D.size(); ++m)
             appendCell3D(text, m, mesh.cells3D[m]);
@@ -133,11 +125,9 @@ bool dumpCells() {
         for (std::size_t m = 0; m < mesh.cells2D.size(); ++m)
             appendCell2D(text, m, mesh.cells2D[m]);
     }
-    return writeWholeFile(QStringLiteral("cell.txt"), text);
 }
 
-bool dumpFaces() {
-    std::string text;
+void appendFaces(FileText& text) {
     if (caseSettings.is3D) {
         const std::size_t count = shownFaces(mesh.faces3D.size());
         for (std::size_t m = 0; m < count; ++m)
@@ -147,7 +137,20 @@ bool dumpFaces() {
         for (std::size_t m = 0; m < count; ++m)
             appendFace2D(text, m, mesh.faces2D[m]);
     }
-    return writeWholeFile(QStringLiteral("face.txt"), text);
+}
+
+} // namespace
+
+bool dumpPoints() {
+    return writeWholeFile(QStringLiteral("point.txt"), appendPoints);
+}
+
+bool dumpCells() {
+    return writeWholeFile(QStringLiteral("cell.txt"), appendCells);
+}
+
+bool dumpFaces() {
+    return writeWholeFile(QStringLiteral("face.txt"), appendFaces);
 }
 
 } // namespace fluvane

@@ -3,49 +3,45 @@
 
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
-#include "output/number_format.h"
+#include "output/file_text.h"
 #include "output/whole_file.h"
 #include "solver2d/enthalpy_relation.h"
 
 #include <cmath>
 #include <cstddef>
-#include <string>
+#include <string_view>
 
 namespace fluvane {
 
 namespace {
 
-const char* const lineEnd = "\r\n";
-constexpr std::size_t bytesPerNumber = 14; // the longest common one with its line end
-constexpr std::size_t bytesPerHead = 1024;
-constexpr std::size_t bytesPerCorners = 4 * 9 + 2;
+constexpr std::string_view lineEnd = "\r\n";
 
-void appendLine(std::string& text, const char* line) {
+void appendLine(FileText& text, const char* line) {
     text += line;
     text += lineEnd;
 }
 
-void appendFlag(std::string& text, const char* key, bool on) {
+void appendFlag(FileText& text, const char* key, bool on) {
     text += key;
     text += on ? '1' : '0';
     text += lineEnd;
 }
 
-void appendParameter(std::string& text, const char* key, double value) {
+void appendParameter(FileText& text, const char* key, double value) {
     text += key;
     appendNumber(text, value);
 }
 
-void appendNumberLine(std::string& text, double value) {
-    appendNumber(text, value);
-    text += lineEnd;
+void appendNumberLine(FileText& text, double value) {
+    text.appendNumber(value, lineEnd);
 }
 
-void appendTitle(std::string& text) {
+void appendTitle(FileText& text) {
     appendLine(text, "TITLE = \"UNSTRUCTED TEST\"");
 }
 
-void appendZone(std::string& text, std::size_t cellCount, const char* type) {
+void appendZone(FileText& text, std::size_t cellCount, const char* type) {
     text += "ZONE N=";
     appendInteger(text, mesh.pointCount);
     text += ", E=";
@@ -55,7 +51,7 @@ void appendZone(std::string& text, std::size_t cellCount, const char* type) {
     appendLine(text, "DATAPACKING = BLOCK");
 }
 
-void appendHeader2D(std::string& text, const ResultSnapshot2D& s) {
+void appendHeader2D(FileText& text, const ResultSnapshot2D& s) {
     appendTitle(text);
     appendFlag(text, "Isflow=", s.flowOn);
     appendFlag(text, "Isheat=", s.heatOn);
@@ -80,15 +76,14 @@ void appendHeader2D(std::string& text, const ResultSnapshot2D& s) {
 }
 
 /// The 1-based number of one corner and the blank after it.
-void appendCorner(std::string& text, std::int32_t point) {
-    appendInteger(text, std::int64_t{point} + 1);
-    text += ' ';
+void appendCorner(FileText& text, std::int32_t point) {
+    text.appendInteger(std::int64_t{point} + 1, " ");
 }
 
 /// The temperature in units of the thermal scale. Deliberate: with an unknown scale kind nothing is written,
 /// not even a line end, rather than a value in a made-up unit.
 template <class Snapshot>
-void appendScaledTemperature(std::string& text, double T, const Snapshot& s) {
+void appendScaledTemperature(FileText& text, double T, const Snapshot& s) {
     if (!s.heatOn)
         appendNumberLine(text, T);
     else if (s.thermalScaleKind == 0)
@@ -99,7 +94,7 @@ void appendScaledTemperature(std::string& text, double T, const Snapshot& s) {
         appendNumberLine(text, s.alpha * T / s.dT / s.L / s.L);
 }
 
-void appendFields2D(std::string& text, const ResultSnapshot2D& s) {
+void appendFields2D(FileText& text, const ResultSnapshot2D& s) {
     using Cell = ResultSnapshot2D::Cell;
     for (const Cell& cell : s.cells)
         appendNumberLine(text, cell.rho);
@@ -121,7 +116,7 @@ void appendFields2D(std::string& text, const ResultSnapshot2D& s) {
 
 /// Four 1-based point numbers a line, each followed by a blank. Deliberate: a triangle a b c is written
 /// a b c a, the first corner repeated and not the last.
-void appendConnectivity2D(std::string& text) {
+void appendConnectivity2D(FileText& text) {
     for (const CellRecord& cell : mesh.cells2D) {
         for (std::size_t j = 0; j < static_cast<std::size_t>(cell.nodeCount); ++j)
             appendCorner(text, cell.nodes[j]);
@@ -132,7 +127,7 @@ void appendConnectivity2D(std::string& text) {
 }
 
 /// Deliberate: no parameters and no error line, unlike in 2D.
-void appendHeader3D(std::string& text, const ResultSnapshot3D& s) {
+void appendHeader3D(FileText& text, const ResultSnapshot3D& s) {
     appendTitle(text);
     appendLine(text, "VARIABLES = \"X\", \"Y\",\"Z\",\"rho\",\"u\",\"v\",\"w\",\"T\"");
     appendZone(text, s.cells.size(), "FETETRAHEDRON");
@@ -140,7 +135,7 @@ void appendHeader3D(std::string& text, const ResultSnapshot3D& s) {
 }
 
 /// Deliberate: the velocity as stored, not in units of U0 as in 2D.
-void appendFields3D(std::string& text, const ResultSnapshot3D& s) {
+void appendFields3D(FileText& text, const ResultSnapshot3D& s) {
     using Cell = ResultSnapshot3D::Cell;
     for (const auto field : {&Cell::rho, &Cell::u, &Cell::v, &Cell::w})
         for (const Cell& cell : s.cells)
@@ -151,7 +146,7 @@ void appendFields3D(std::string& text, const ResultSnapshot3D& s) {
 
 /// As many 1-based point numbers a line as the cell has corners, each followed by a blank. Deliberate: also
 /// for a cell that is no tetrahedron, whatever the zone type says.
-void appendConnectivity3D(std::string& text) {
+void appendConnectivity3D(FileText& text) {
     for (const CellRecord3D& cell : mesh.cells3D) {
         for (std::size_t j = 0; j < static_cast<std::size_t>(cell.nodeCount); ++j)
             appendCorner(text, cell.nodes[j]);
@@ -159,7 +154,7 @@ void appendConnectivity3D(std::string& text) {
     }
 }
 
-void appendNumberLines(std::string& text, const std::vector<double>& values) {
+void appendNumberLines(FileText& text, const std::vector<double>& values) {
     for (const double value : values)
         appendNumberLine(text, value);
 }
@@ -197,15 +192,13 @@ ResultSnapshot2D captureResult2D() {
 bool writeResult2D(const QString& path, const ResultSnapshot2D& snapshot) {
     if (snapshot.cells.size() != mesh.cells2D.size())
         return false; // another mesh was read since
-    std::string text;
-    text.reserve(bytesPerHead + 2 * mesh.pointX.size() * bytesPerNumber +
-                 snapshot.cells.size() * (6 * bytesPerNumber + bytesPerCorners));
-    appendHeader2D(text, snapshot);
-    appendNumberLines(text, mesh.pointX);
-    appendNumberLines(text, mesh.pointY);
-    appendFields2D(text, snapshot);
-    appendConnectivity2D(text);
-    return writeWholeFile(path, text);
+    return writeWholeFile(path, [&snapshot](FileText& text) {
+        appendHeader2D(text, snapshot);
+        appendNumberLines(text, mesh.pointX);
+        appendNumberLines(text, mesh.pointY);
+        appendFields2D(text, snapshot);
+        appendConnectivity2D(text);
+    });
 }
 
 bool writeResult2D(const QString& path) {
@@ -229,16 +222,14 @@ ResultSnapshot3D captureResult3D() {
 bool writeResult3D(const QString& path, const ResultSnapshot3D& snapshot) {
     if (snapshot.cells.size() != mesh.cells3D.size())
         return false; // another mesh was read since
-    std::string text;
-    text.reserve(bytesPerHead + 3 * mesh.pointX.size() * bytesPerNumber +
-                 snapshot.cells.size() * (5 * bytesPerNumber + bytesPerCorners));
-    appendHeader3D(text, snapshot);
-    appendNumberLines(text, mesh.pointX);
-    appendNumberLines(text, mesh.pointY);
-    appendNumberLines(text, mesh.pointZ);
-    appendFields3D(text, snapshot);
-    appendConnectivity3D(text);
-    return writeWholeFile(path, text);
+    return writeWholeFile(path, [&snapshot](FileText& text) {
+        appendHeader3D(text, snapshot);
+        appendNumberLines(text, mesh.pointX);
+        appendNumberLines(text, mesh.pointY);
+        appendNumberLines(text, mesh.pointZ);
+        appendFields3D(text, snapshot);
+        appendConnectivity3D(text);
+    });
 }
 
 bool writeResult3D(const QString& path) {

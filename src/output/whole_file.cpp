@@ -1,6 +1,8 @@
 // Writing beside and renaming, or in place.
 #include "output/whole_file.h"
 
+#include "output/file_text.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -9,33 +11,40 @@ namespace fluvane {
 
 namespace {
 
-bool writeAll(QFileDevice& file, std::string_view content) {
-    const auto size = static_cast<qint64>(content.size());
-    return file.write(content.data(), size) == size && file.flush();
+using Append = std::function<void(FileText&)>;
+
+bool writeAll(QFileDevice& file, const Append& append) {
+    FileText text(file);
+    append(text);
+    return text.finish() && file.flush();
 }
 
-bool writeInPlace(const QString& path, std::string_view content) {
+bool writeInPlace(const QString& path, const Append& append) {
     QFile file(path);
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && writeAll(file, content);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && writeAll(file, append);
 }
 
 } // namespace
 
 bool writeWholeFile(const QString& path, std::string_view content) {
+    return writeWholeFile(path, [content](FileText& text) { text += content; });
+}
+
+bool writeWholeFile(const QString& path, const Append& append) {
     const QFileInfo target(path);
     if (path.isEmpty() || target.isDir())
         return false;
     if (target.exists() && !target.isFile())
-        return writeInPlace(path, content); // renaming would put a plain file in place of a device or a pipe
+        return writeInPlace(path, append); // renaming would put a plain file in place of a device or a pipe
 
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        return writeInPlace(path, content);
-    if (!writeAll(file, content)) {
+        return writeInPlace(path, append);
+    if (!writeAll(file, append)) {
         file.cancelWriting(); // a full disk: the old file is worth more than part of the new one
         return false;
     }
-    return file.commit() || writeInPlace(path, content);
+    return file.commit() || writeInPlace(path, append);
 }
 
 } // namespace fluvane

@@ -8,6 +8,7 @@
 #include "output/terminal.h"
 #include "solver2d/checks.h"
 #include "solver2d/enthalpy.h"
+#include "solver2d/loop_team.h"
 #include "solver2d/run_support.h"
 #include "solver2d/time_step.h"
 
@@ -55,6 +56,35 @@ private:
     double m_area = 0.0;
 };
 
+bool stepThroughTime(int steps, int saveInterval, const QString& base) {
+    constexpr int historyInterval = 100;
+    const std::clock_t start = std::clock();
+    const auto resultFile = [&base](int n) {
+        const RunHold hold;
+        return base + "_" + QString::number(fourierNumber(n)) + ".dat";
+    };
+    Histories histories(base);
+
+    int n = 0;
+    for (; n < steps; ++n) {
+        if (stopRequested())
+            return false;
+        {
+            const RunHold hold;
+            step2D();
+        }
+        if (n % historyInterval == 0)
+            histories.report(n);
+        if (n % saveInterval == 0) {
+            appendTerminalLine("time=" + QString::number(n));
+            save(resultFile(n));
+        }
+    }
+    save(resultFile(n));
+    sayEnd(start);
+    return true;
+}
+
 } // namespace
 
 bool runSteady2D(MainWindow*, unsigned threads, double tolU, double tolT, int steps, int saveInterval,
@@ -75,36 +105,12 @@ bool runSteady2D(MainWindow*, unsigned threads, double tolU, double tolT, int st
 }
 
 bool runTransient2D(MainWindow*, unsigned threads, int steps, int saveInterval, const QString& fileName) {
-    constexpr int historyInterval = 100;
     if (!canRun(false, saveInterval))
         return false;
-    const std::clock_t start = std::clock();
-    const QString base = baseName(fileName);
-    const auto resultFile = [&base](int n) {
-        const RunHold hold;
-        return base + "_" + QString::number(fourierNumber(n)) + ".dat";
-    };
-    Histories histories(base);
     setThreads(threads);
-
-    int n = 0;
-    for (; n < steps; ++n) {
-        if (stopRequested())
-            return false;
-        {
-            const RunHold hold;
-            step2D();
-        }
-        if (n % historyInterval == 0)
-            histories.report(n);
-        if (n % saveInterval == 0) {
-            appendTerminalLine("time=" + QString::number(n));
-            save(resultFile(n));
-        }
-    }
-    save(resultFile(n));
-    sayEnd(start);
-    return true;
+    bool ended = false;
+    withTeam([&] { ended = stepThroughTime(steps, saveInterval, baseName(fileName)); });
+    return ended;
 }
 
 } // namespace fluvane

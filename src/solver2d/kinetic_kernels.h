@@ -127,29 +127,38 @@ struct FlowMoments {
     double momentum[D];
 };
 
-/// Density and momentum of a distribution, each summed over the velocities in their order.
-template <int D, int Q>
-FLUVANE_FORCE_INLINE FlowMoments<D> flowMoments(const StepConstants& c, const double* f) {
+/// Density and momentum of N distributions that lie one after the other, each summed over the velocities in
+/// their order. One sum waits for its own last addition only, so several go on side by side.
+template <int D, int Q, int N>
+FLUVANE_FORCE_INLINE void flowMoments(const StepConstants& c, const double* f, FlowMoments<D> (&m)[N]) {
     const int count = Q > 0 ? Q : c.velocityCount;
-    FlowMoments<D> m{};
 #if FLUVANE_VECTORS
     using Moments = Row<4>;
-    Moments sum = Moments::zero();
-    for (int k = 0; k < count; ++k)
-        sum = sum + Moments::load(c.momentFactors[k]) * f[k];
-    alignas(32) double sums[4];
-    sum.store(sums);
-    m.rho = sums[0];
-    for (int axis = 0; axis < D; ++axis)
-        m.momentum[axis] = sums[axis + 1];
-#else
+    Moments sums[N];
+    for (int n = 0; n < N; ++n)
+        sums[n] = Moments::zero();
     for (int k = 0; k < count; ++k) {
-        m.rho += f[k];
+        const Moments factors = Moments::load(c.momentFactors[k]);
+        for (int n = 0; n < N; ++n)
+            sums[n] = sums[n] + factors * f[n * count + k];
+    }
+    for (int n = 0; n < N; ++n) {
+        alignas(32) double sum[4];
+        sums[n].store(sum);
+        m[n].rho = sum[0];
         for (int axis = 0; axis < D; ++axis)
-            m.momentum[axis] += c.xi[axis][k] * f[k];
+            m[n].momentum[axis] = sum[axis + 1];
+    }
+#else
+    for (int n = 0; n < N; ++n) {
+        m[n] = {};
+        for (int k = 0; k < count; ++k) {
+            m[n].rho += f[n * count + k];
+            for (int axis = 0; axis < D; ++axis)
+                m[n].momentum[axis] += c.xi[axis][k] * f[n * count + k];
+        }
     }
 #endif
-    return m;
 }
 
 /// Velocity from the moments and the part of a step's force that the bar distribution lacks.
@@ -176,13 +185,15 @@ FLUVANE_FORCE_INLINE void setFlow(FaceRecord3D& r, const FlowMoments<3>& m, doub
     r.w = m.momentum[2] / m.rho + forceTime * r.Fz;
 }
 
-template <int Q>
-FLUVANE_FORCE_INLINE double sum(const StepConstants& c, const double* g) {
+/// The sums of N distributions that lie one after the other.
+template <int Q, int N>
+FLUVANE_FORCE_INLINE void sums(const StepConstants& c, const double* g, double (&s)[N]) {
     const int count = Q > 0 ? Q : c.velocityCount;
-    double s = 0.0;
+    for (int n = 0; n < N; ++n)
+        s[n] = 0.0;
     for (int k = 0; k < count; ++k)
-        s += g[k];
-    return s;
+        for (int n = 0; n < N; ++n)
+            s[n] += g[n * count + k];
 }
 
 FLUVANE_FORCE_INLINE double buoyancy(const StepConstants& c, double T) {
@@ -347,6 +358,28 @@ FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const Data& d,
         }
         value.store(out + k);
     });
+}
+
+/// How many records ahead of those at work the rows of neighbours are asked for.
+inline constexpr std::ptrdiff_t prefetchDistance = 12;
+
+/// Asks for what the reconstruction on a face will read of its two cells.
+template <int Q, class Data>
+FLUVANE_FORCE_INLINE void prefetchSides(const StepConstants& c, const Data& d,
+                                        const typename Data::FaceType& face) {
+    constexpr int D = Data::dimensions;
+    const std::ptrdiff_t q = stride<Q>(c);
+    for (const std::ptrdiff_t cell : {face.c0, face.c1}) {
+        prefetchNumbers(&d.cells[cell].xc, 1);
+        if (c.heatOn()) {
+            prefetchNumbers(d.gBarPlus + cell * q, q);
+            prefetchNumbers(d.gradGBarPlus + D * q * cell, D * q);
+        }
+        if (c.flowOn) {
+            prefetchNumbers(d.fBarPlus + cell * q, q);
+            prefetchNumbers(d.gradFBarPlus + D * q * cell, D * q);
+        }
+    }
 }
 
 /// The distribution at the half step from the bar distribution, in place. Deliberate: the temperature form of

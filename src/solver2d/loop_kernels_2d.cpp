@@ -64,13 +64,12 @@ void collide(const StepConstants& c, const StepData2D& d, std::int32_t first, st
 
 // ---- interior faces -------------------------------------------------------------------------------------
 
-/// Temperature, force and, on solid faces, zero velocity from the reconstructed g.
-template <int Q>
-FLUVANE_FORCE_INLINE void thermalFaceMoments(const StepConstants& c, FaceRecord& face, const double* g) {
+/// Temperature, force and, on solid faces, zero velocity from the sum of the reconstructed g.
+FLUVANE_FORCE_INLINE void setThermalFace(const StepConstants& c, FaceRecord& face, double total) {
     if (c.heat == HeatForm::temperature) {
-        face.T = sum<Q>(c, g);
+        face.T = total;
     } else {
-        face.H = sum<Q>(c, g);
+        face.H = total;
         face.T = c.relation.temperatureOf(face.H);
     }
     face.Fx = 0.0;
@@ -81,22 +80,39 @@ FLUVANE_FORCE_INLINE void thermalFaceMoments(const StepConstants& c, FaceRecord&
     }
 }
 
+/// Faces i .. i + N - 1, heat before flow.
+template <int Q, int N>
+FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepData2D& d, std::ptrdiff_t i) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    FaceRecord* const faces = d.faces + i;
+    if (c.heatOn()) {
+        double* const g = d.gFace + i * q;
+        double total[N];
+        for (int n = 0; n < N; ++n)
+            reconstructRow<Q>(c, d, faces[n], d.gBarPlus, d.gradGBarPlus, g + n * q);
+        sums<Q>(c, g, total);
+        for (int n = 0; n < N; ++n)
+            setThermalFace(c, faces[n], total[n]);
+    }
+    if (c.flowOn) {
+        double* const f = d.fFace + i * q;
+        FlowMoments<2> moments[N];
+        for (int n = 0; n < N; ++n)
+            reconstructRow<Q>(c, d, faces[n], d.fBarPlus, d.gradFBarPlus, f + n * q);
+        flowMoments<2, Q>(c, f, moments);
+        for (int n = 0; n < N; ++n)
+            setFlow(faces[n], moments[n], c.quarterStep);
+    }
+}
+
 template <int Q>
 void reconstruct(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    for (std::ptrdiff_t i = first; i < last; ++i) {
-        FaceRecord& face = d.faces[i];
-        if (c.heatOn()) {
-            double* const g = d.gFace + i * q;
-            reconstructRow<Q>(c, d, face, d.gBarPlus, d.gradGBarPlus, g);
-            thermalFaceMoments<Q>(c, face, g);
-        }
-        if (c.flowOn) {
-            double* const f = d.fFace + i * q;
-            reconstructRow<Q>(c, d, face, d.fBarPlus, d.gradFBarPlus, f);
-            setFlow(face, flowMoments<2, Q>(c, f), c.quarterStep);
-        }
-    }
+    overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
+        for (int k = 0; k < n; ++k)
+            if (i + k + prefetchDistance < last)
+                prefetchSides<Q>(c, d, d.faces[i + k + prefetchDistance]);
+        reconstructFaces<Q, n>(c, d, i);
+    });
 }
 
 // ---- boundary faces -------------------------------------------------------------------------------------
@@ -173,25 +189,8 @@ void recover(const StepConstants& c, const StepData2D& d, std::int32_t first, st
 
 // ---- update ---------------------------------------------------------------------------------------------
 
-template <int Q>
-FLUVANE_FORCE_INLINE void updateFlow(const StepConstants& c, const StepData2D& d, std::ptrdiff_t i) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    CellRecord& cell = d.cells[i];
-    cell.uPrev = cell.u;
-    cell.vPrev = cell.v;
-    double* const tilde = d.fTilde + i * q;
-    addFluxes<Q>(c, cell, d.fFace, d.fTildePlus + i * q, tilde);
-    setFlow(cell, flowMoments<2, Q>(c, tilde), c.halfStep);
-}
-
-template <int Q>
-FLUVANE_FORCE_INLINE void updateHeat(const StepConstants& c, const StepData2D& d, std::ptrdiff_t i) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    CellRecord& cell = d.cells[i];
+FLUVANE_FORCE_INLINE void setThermalCell(const StepConstants& c, CellRecord& cell, double total) {
     cell.TPrev = cell.T;
-    double* const tilde = d.gTilde + i * q;
-    addFluxes<Q>(c, cell, d.gFace, d.gTildePlus + i * q, tilde);
-    const double total = sum<Q>(c, tilde);
     if (c.enthalpyForm()) {
         cell.H = total;
         cell.T = c.relation.temperatureOf(total);
@@ -206,14 +205,37 @@ FLUVANE_FORCE_INLINE void updateHeat(const StepConstants& c, const StepData2D& d
     }
 }
 
+/// Cells i .. i + N - 1, flow before heat.
+template <int Q, int N>
+FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const StepData2D& d, std::ptrdiff_t i) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    CellRecord* const cells = d.cells + i;
+    if (c.flowOn) {
+        double* const tilde = d.fTilde + i * q;
+        FlowMoments<2> moments[N];
+        for (int n = 0; n < N; ++n)
+            addFluxes<Q>(c, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
+        flowMoments<2, Q>(c, tilde, moments);
+        for (int n = 0; n < N; ++n) {
+            cells[n].uPrev = cells[n].u;
+            cells[n].vPrev = cells[n].v;
+            setFlow(cells[n], moments[n], c.halfStep);
+        }
+    }
+    if (c.heatOn()) {
+        double* const tilde = d.gTilde + i * q;
+        double total[N];
+        for (int n = 0; n < N; ++n)
+            addFluxes<Q>(c, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
+        sums<Q>(c, tilde, total);
+        for (int n = 0; n < N; ++n)
+            setThermalCell(c, cells[n], total[n]);
+    }
+}
+
 template <int Q>
 void update(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
-    for (std::ptrdiff_t i = first; i < last; ++i) {
-        if (c.flowOn)
-            updateFlow<Q>(c, d, i);
-        if (c.heatOn())
-            updateHeat<Q>(c, d, i);
-    }
+    overGroups(first, last, [&](std::ptrdiff_t i, auto n) { updateCells<Q, n>(c, d, i); });
 }
 
 template <int Q>

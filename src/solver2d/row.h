@@ -3,7 +3,9 @@
 
 #include "solver2d/force_inline.h"
 
+#include <cstddef>
 #include <cstring>
+#include <type_traits>
 
 // FLUVANE_ISA names the instruction set a kernel file is compiled for; everything here lives in a namespace
 // of that name, so that copies for different instruction sets never meet in the linker.
@@ -117,6 +119,30 @@ struct Row<0> {
     FLUVANE_FORCE_INLINE friend Row operator*(const Row&, double) { return {}; }
     FLUVANE_FORCE_INLINE friend Row operator*(double, const Row&) { return {}; }
 };
+
+/// Asks for the lines of `count` numbers that will be needed soon.
+FLUVANE_FORCE_INLINE void prefetchNumbers([[maybe_unused]] const double* p,
+                                          [[maybe_unused]] std::ptrdiff_t count) {
+#if FLUVANE_VECTORS
+    constexpr std::ptrdiff_t line = 8;
+    for (std::ptrdiff_t n = 0; n < count; n += line)
+        __builtin_prefetch(p + n);
+    if (count % line != 1)
+        __builtin_prefetch(p + count - 1);
+#endif
+}
+
+/// Calls body(i, n) for groups of n = 4 records, with n as a compile-time constant, and for the last ones one
+/// by one: records of a group have nothing to wait for in each other.
+template <class Body>
+FLUVANE_FORCE_INLINE void overGroups(std::ptrdiff_t first, std::ptrdiff_t last, const Body& body) {
+    constexpr int group = 4;
+    std::ptrdiff_t i = first;
+    for (; i + group <= last; i += group)
+        body(i, std::integral_constant<int, group>{});
+    for (; i < last; ++i)
+        body(i, std::integral_constant<int, 1>{});
+}
 
 /// The longest piece of a row that is worked on at once: up to nine numbers whole, longer rows in pieces of
 /// two vectors, of which a kernel keeps several in registers.

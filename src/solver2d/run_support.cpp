@@ -4,6 +4,7 @@
 #include "mesh/mesh.h"
 #include "output/terminal.h"
 #include "solver2d/checks.h"
+#include "solver2d/loop_team.h"
 
 #include <omp.h>
 
@@ -77,7 +78,9 @@ void sayEnd(std::clock_t start) {
     appendTerminalLine("time=" + QString::number(static_cast<qlonglong>(std::clock() - start)));
 }
 
-bool runSteadily(const SteadyRun& run) {
+namespace {
+
+bool stepToTheEnd(const SteadyRun& run) {
     const std::clock_t start = std::clock();
     const bool unlimited = run.steps == 0;
     std::int64_t n = 0;
@@ -102,6 +105,14 @@ bool runSteadily(const SteadyRun& run) {
     converged(run, n);
     sayEnd(start);
     return true;
+}
+
+} // namespace
+
+bool runSteadily(const SteadyRun& run) {
+    bool ended = false;
+    withTeam([&] { ended = stepToTheEnd(run); });
+    return ended;
 }
 
 } // namespace fluvane

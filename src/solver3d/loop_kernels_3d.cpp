@@ -20,39 +20,49 @@ void collide(const StepConstants& c, const StepData3D& d, std::int32_t first, st
 
 // ---- interior faces -------------------------------------------------------------------------------------
 
-/// Deliberate: the temperature is the sum of the bar values in both thermal modes, and the recovery sees the
-/// face velocity of the previous step, since the flow part follows.
-template <int Q>
-FLUVANE_FORCE_INLINE void interiorHeat(const StepConstants& c, const StepData3D& d, FaceRecord3D& face,
-                                       double* g) {
-    reconstructRow<Q>(c, d, face, d.gBarPlus, d.gradGBarPlus, g);
-    face.T = sum<Q>(c, g);
-    face.Fx = 0.0;
-    face.Fy = 0.0;
-    face.Fz = buoyancy(c, face.T);
-    recoverHeat<Q>(c, face.T, velocityOf(face), g);
-}
-
-template <int Q>
-FLUVANE_FORCE_INLINE void interiorFlow(const StepConstants& c, const StepData3D& d, FaceRecord3D& face,
-                                       double* f) {
-    reconstructRow<Q>(c, d, face, d.fBarPlus, d.gradFBarPlus, f);
-    setFlow(face, flowMoments<3, Q>(c, f), c.quarterStep);
-    recoverFlow<Q>(c, face.rho, velocityOf(face), forceOf(face), f);
+/// Faces i .. i + N - 1, heat before flow. Deliberate: the temperature is the sum of the bar values in both
+/// thermal modes, and the recovery of heat sees the face velocity of the previous step, since the flow
+/// follows.
+template <int Q, int N>
+FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    FaceRecord3D* const faces = d.faces + i;
+    double temperature[N] = {};
+    if (c.heatOn()) {
+        double* const g = d.gFace + i * q;
+        for (int n = 0; n < N; ++n)
+            reconstructRow<Q>(c, d, faces[n], d.gBarPlus, d.gradGBarPlus, g + n * q);
+        sums<Q>(c, g, temperature);
+        for (int n = 0; n < N; ++n) {
+            faces[n].Fx = 0.0;
+            faces[n].Fy = 0.0;
+            faces[n].Fz = buoyancy(c, temperature[n]);
+            recoverHeat<Q>(c, temperature[n], velocityOf(faces[n]), g + n * q);
+        }
+    }
+    for (int n = 0; n < N; ++n)
+        faces[n].T = temperature[n];
+    if (c.flowOn) {
+        double* const f = d.fFace + i * q;
+        FlowMoments<3> moments[N];
+        for (int n = 0; n < N; ++n)
+            reconstructRow<Q>(c, d, faces[n], d.fBarPlus, d.gradFBarPlus, f + n * q);
+        flowMoments<3, Q>(c, f, moments);
+        for (int n = 0; n < N; ++n) {
+            setFlow(faces[n], moments[n], c.quarterStep);
+            recoverFlow<Q>(c, faces[n].rho, velocityOf(faces[n]), forceOf(faces[n]), f + n * q);
+        }
+    }
 }
 
 template <int Q>
 void reconstruct(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    for (std::ptrdiff_t i = first; i < last; ++i) {
-        FaceRecord3D& face = d.faces[i];
-        if (c.heatOn())
-            interiorHeat<Q>(c, d, face, d.gFace + i * q);
-        else
-            face.T = 0.0;
-        if (c.flowOn)
-            interiorFlow<Q>(c, d, face, d.fFace + i * q);
-    }
+    overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
+        for (int k = 0; k < n; ++k)
+            if (i + k + prefetchDistance < last)
+                prefetchSides<Q>(c, d, d.faces[i + k + prefetchDistance]);
+        reconstructFaces<Q, n>(c, d, i);
+    });
 }
 
 // ---- boundary faces -------------------------------------------------------------------------------------
@@ -111,26 +121,8 @@ void boundary(const StepConstants& c, const StepData3D& d, std::int32_t first, s
 
 // ---- update ---------------------------------------------------------------------------------------------
 
-template <int Q>
-FLUVANE_FORCE_INLINE void updateFlow(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    CellRecord3D& cell = d.cells[i];
-    cell.uPrev = cell.u;
-    cell.vPrev = cell.v;
-    cell.wPrev = cell.w;
-    double* const tilde = d.fTilde + i * q;
-    addFluxes<Q>(c, cell, d.fFace, d.fTildePlus + i * q, tilde);
-    setFlow(cell, flowMoments<3, Q>(c, tilde), c.halfStep);
-}
-
-template <int Q>
-FLUVANE_FORCE_INLINE void updateHeat(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    CellRecord3D& cell = d.cells[i];
+FLUVANE_FORCE_INLINE void setThermalCell(const StepConstants& c, CellRecord3D& cell, double total) {
     cell.TPrev = cell.T;
-    double* const tilde = d.gTilde + i * q;
-    addFluxes<Q>(c, cell, d.gFace, d.gTildePlus + i * q, tilde);
-    const double total = sum<Q>(c, tilde);
     if (c.enthalpyForm()) {
         cell.H = total;
         cell.T = c.relation.temperatureOf(total);
@@ -142,14 +134,38 @@ FLUVANE_FORCE_INLINE void updateHeat(const StepConstants& c, const StepData3D& d
     cell.Fz = buoyancy(c, cell.T);
 }
 
+/// Cells i .. i + N - 1, flow before heat.
+template <int Q, int N>
+FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    CellRecord3D* const cells = d.cells + i;
+    if (c.flowOn) {
+        double* const tilde = d.fTilde + i * q;
+        FlowMoments<3> moments[N];
+        for (int n = 0; n < N; ++n)
+            addFluxes<Q>(c, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
+        flowMoments<3, Q>(c, tilde, moments);
+        for (int n = 0; n < N; ++n) {
+            cells[n].uPrev = cells[n].u;
+            cells[n].vPrev = cells[n].v;
+            cells[n].wPrev = cells[n].w;
+            setFlow(cells[n], moments[n], c.halfStep);
+        }
+    }
+    if (c.heatOn()) {
+        double* const tilde = d.gTilde + i * q;
+        double total[N];
+        for (int n = 0; n < N; ++n)
+            addFluxes<Q>(c, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
+        sums<Q>(c, tilde, total);
+        for (int n = 0; n < N; ++n)
+            setThermalCell(c, cells[n], total[n]);
+    }
+}
+
 template <int Q>
 void update(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
-    for (std::ptrdiff_t i = first; i < last; ++i) {
-        if (c.flowOn)
-            updateFlow<Q>(c, d, i);
-        if (c.heatOn())
-            updateHeat<Q>(c, d, i);
-    }
+    overGroups(first, last, [&](std::ptrdiff_t i, auto n) { updateCells<Q, n>(c, d, i); });
 }
 
 template <int Q>

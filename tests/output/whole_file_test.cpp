@@ -1,6 +1,7 @@
 // Whole-file writing: what a reader of the file sees, and what happens where renaming is impossible.
 #include "output/whole_file.h"
 
+#include "output/file_text.h"
 #include "small_mesh.h"
 
 #include <QFileInfo>
@@ -30,6 +31,22 @@ TEST_F(WholeFile, CreatesTheFileWithExactlyTheGivenBytes) {
     ASSERT_TRUE(writeWholeFile(inFolder("new.dat"), content));
     EXPECT_EQ(readFile(inFolder("new.dat")).toStdString(), content);
     EXPECT_EQ(entries(), QStringList("new.dat")) << "nothing may be left beside it";
+}
+
+TEST_F(WholeFile, TakesAContentThatIsMadeWhileItIsBeingWritten) {
+    int calls = 0;
+    ASSERT_TRUE(writeWholeFile(inFolder("new.dat"), [&](FileText& text) {
+        ++calls;
+        for (std::size_t i = 0; i < 2 * FileText::chunkBytes; ++i)
+            text += static_cast<char>('a' + i % 26);
+        EXPECT_FALSE(QFileInfo::exists(inFolder("new.dat"))) << "seen in part";
+    }));
+    EXPECT_EQ(calls, 1);
+    const QByteArray content = readFile(inFolder("new.dat"));
+    ASSERT_EQ(static_cast<std::size_t>(content.size()), 2 * FileText::chunkBytes);
+    for (int i = 0; i < content.size(); ++i)
+        ASSERT_EQ(content[i], 'a' + i % 26) << i;
+    EXPECT_EQ(entries(), QStringList("new.dat"));
 }
 
 TEST_F(WholeFile, ReplacesALongerFile) {
@@ -139,21 +156,34 @@ TEST_F(WholeFile, WritesInPlaceInAFolderThatTakesNoNewFiles) {
     EXPECT_EQ(readFile(inFolder("a.dat")), "new");
 }
 
-TEST_F(WholeFile, KeepsTheOldFileWhenThereIsNoRoomForTheNewOne) {
-    ASSERT_TRUE(writeWholeFile(inFolder("a.dat"), "old"));
+/// Writes with no file allowed to grow beyond `limit` bytes; a write beyond then fails like a full disk.
+bool writeWithinLimit(const QString& path, std::string_view content, rlim_t limit) {
     rlimit before{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-    const auto handler =
-        std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit then fails like a full disk
+    EXPECT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     rlimit limited = before;
-    limited.rlim_cur = 1000;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
-    const bool written = writeWholeFile(inFolder("a.dat"), std::string(100000, 'x'));
+    limited.rlim_cur = limit;
+    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+    const bool written = writeWholeFile(path, content);
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
-    EXPECT_FALSE(written);
+    return written;
+}
+
+TEST_F(WholeFile, KeepsTheOldFileWhenThereIsNoRoomForTheNewOne) {
+    ASSERT_TRUE(writeWholeFile(inFolder("a.dat"), "old"));
+    EXPECT_FALSE(writeWithinLimit(inFolder("a.dat"), std::string(100000, 'x'), 1000));
     EXPECT_EQ(readFile(inFolder("a.dat")), "old");
     EXPECT_EQ(entries(), QStringList("a.dat")) << "nothing may be left beside it";
+}
+
+TEST_F(WholeFile, KeepsTheOldFileWhenTheRoomEndsAmongTheChunksOfTheNewOne) {
+    ASSERT_TRUE(writeWholeFile(inFolder("a.dat"), "old"));
+    const std::string content(4 * FileText::chunkBytes, 'x');
+    EXPECT_FALSE(writeWithinLimit(inFolder("a.dat"), content, FileText::chunkBytes * 3 / 2));
+    EXPECT_EQ(readFile(inFolder("a.dat")), "old");
+    EXPECT_EQ(entries(), QStringList("a.dat")) << "nothing may be left beside it";
+    EXPECT_TRUE(writeWithinLimit(inFolder("a.dat"), content, content.size()));
 }
 
 TEST_F(WholeFile, KeepsTheRightsOfTheFileItReplaces) {
