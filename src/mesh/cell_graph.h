@@ -84,8 +84,14 @@ struct Records2D {
     static constexpr const char* faceNodes = "nodes";
     static constexpr const char* cellLimits = "at most four faces and four nodes a cell, found a fifth";
 
-    static Face& face(std::int32_t i) { return mesh.faces2D[static_cast<std::size_t>(i)]; }
-    static Cell& cell(std::int32_t c) { return mesh.cells2D[static_cast<std::size_t>(c)]; }
+    static RecordTable<Face>& faces() { return mesh.faces2D; }
+    static RecordTable<Cell>& cells() { return mesh.cells2D; }
+    static auto& cellFaceSlots() { return mesh.cellFaceSlots2D; }
+    static Face& face(std::int32_t i) { return faces()[static_cast<std::size_t>(i)]; }
+    static Cell& cell(std::int32_t c) { return cells()[static_cast<std::size_t>(c)]; }
+    static void allocateCells(std::int32_t count, StorageOrder order) {
+        mesh.allocateCells2D(count, std::move(order));
+    }
     static FaceLinks linksOf(std::int32_t i) {
         const Face& f = face(i);
         return {{f.n0, f.n1}, f.c0, f.c1};
@@ -104,8 +110,14 @@ struct Records3D {
     static constexpr const char* faceNodes = "three or four nodes";
     static constexpr const char* cellLimits = "at most six faces and eight nodes a cell, found one more";
 
-    static Face& face(std::int32_t i) { return mesh.faces3D[static_cast<std::size_t>(i)]; }
-    static Cell& cell(std::int32_t c) { return mesh.cells3D[static_cast<std::size_t>(c)]; }
+    static RecordTable<Face>& faces() { return mesh.faces3D; }
+    static RecordTable<Cell>& cells() { return mesh.cells3D; }
+    static auto& cellFaceSlots() { return mesh.cellFaceSlots3D; }
+    static Face& face(std::int32_t i) { return faces()[static_cast<std::size_t>(i)]; }
+    static Cell& cell(std::int32_t c) { return cells()[static_cast<std::size_t>(c)]; }
+    static void allocateCells(std::int32_t count, StorageOrder order) {
+        mesh.allocateCells3D(count, std::move(order));
+    }
     static FaceLinks linksOf(std::int32_t i) {
         const Face& f = face(i);
         return {f.nodes, f.c0, f.c1, f.nodeCount};
@@ -296,13 +308,14 @@ struct Share {
           last(static_cast<std::int32_t>(count * (t + 1) / n)) {}
 };
 
-/// Makes and fills the compact neighbour lists. Refuses a cell with too many neighbours; in 2D no cell can
-/// have too many.
+/// Makes and fills the compact neighbour lists, for the cells as they lie. Refuses a cell with too many
+/// neighbours; in 2D no cell can have too many.
 template <class Records>
 bool buildNeighbourLists(const CellTable<Records>& cells) {
     constexpr std::int32_t most = Records::Cell::maxNeighbours;
     const auto count = static_cast<std::int32_t>(cells.size());
     const int shares = omp_get_max_threads();
+    const StorageOrder& order = Records::cells().order();
     // Each share is written without gaps; what it leaves of its room is never touched.
     HugeArray<std::int32_t> staged(cells.size() * most);
     std::vector<std::int32_t> start(cells.size() + 1);
@@ -311,20 +324,21 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
     for (int t = 0; t < shares; ++t) {
         const Share share(count, t, shares);
         std::int32_t* end = staged.data() + std::ptrdiff_t{share.first} * most;
-        for (std::int32_t c = share.first; c < share.last; ++c) {
+        for (std::int32_t slot = share.first; slot < share.last; ++slot) {
+            const auto c = static_cast<std::int32_t>(order.number(static_cast<std::size_t>(slot)));
             Rings<Records> list;
             const std::int32_t found = collectNeighbours<Records>(cells, c, list);
             if (found > most)
                 firstCrowded = std::min(firstCrowded, c);
             end = std::copy_n(list.begin(), std::min(found, most), end);
-            start[static_cast<std::size_t>(c) + 1] = found;
+            start[static_cast<std::size_t>(slot) + 1] = found;
         }
     }
     if (firstCrowded != noIndex)
         return refuseMesh(placeOf(cells[static_cast<std::size_t>(firstCrowded)].faces[0], firstCrowded),
                           QStringLiteral("expected at most %1 cells in two rings round a cell, found %2")
                               .arg(most)
-                              .arg(start[static_cast<std::size_t>(firstCrowded) + 1]));
+                              .arg(start[order.slot(static_cast<std::size_t>(firstCrowded)) + 1]));
     addUp(start);
     Records::allocateNeighbours(std::move(start));
 #pragma omp parallel for schedule(static)
@@ -360,6 +374,6 @@ double smallestOfFaces(const RecordTable<Face>& faces, double (*size)(const Face
 }
 
 /// Runs a whole geometry pass; running out of memory refuses the mesh.
-bool buildWithinMemory(bool (*build)());
+bool buildWithinMemory(bool (*build)(Storage), Storage storage);
 
 } // namespace fluvane

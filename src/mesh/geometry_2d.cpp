@@ -3,6 +3,7 @@
 
 #include "mesh/cell_graph.h"
 #include "mesh/mesh.h"
+#include "mesh/storage_order.h"
 
 #include <algorithm>
 #include <array>
@@ -198,17 +199,18 @@ void shapeCell(CellRecord& cell, std::int32_t c, const Links& links, const Faces
     finishFaces(cell, c, links, faces);
 }
 
-void shapeCells(const Faces& faces, const Cells& cells) {
+Centres centresOf(const Cells& cells) {
+    return Centres(cells.size(), [&cells](std::size_t c) { return centreOf(cells[c]); });
+}
+
+void shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) {
     FlawedCells singular;
     FlawedCells open;
-    Centres centres(cells.size());
-#pragma omp parallel for schedule(static)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c)
-        centres[static_cast<std::size_t>(c)] = centreOf(cells[static_cast<std::size_t>(c)]);
 #pragma omp parallel for schedule(static) reduction(addFlaws : singular, open)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        const auto i = static_cast<std::size_t>(c);
-        CellRecord& cell = mesh.cells2D[i];
+    for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
+        const std::size_t i = mesh.cells2D.order().number(static_cast<std::size_t>(slot));
+        const auto c = static_cast<std::int32_t>(i);
+        CellRecord& cell = mesh.cells2D.data()[slot];
         shapeCell(cell, c, cells[i], faces, centres[i]);
         const std::span<const std::int32_t> neighbours(cell.neighbours.data(),
                                                        static_cast<std::size_t>(cell.neighbourCount));
@@ -223,7 +225,7 @@ void shapeCells(const Faces& faces, const Cells& cells) {
                                                 "area and centre are wrong"));
 }
 
-bool build() {
+bool build(Storage storage) {
     static_assert(Rings<Records2D>().size() <= CellRecord::maxNeighbours,
                   "two rings of cells with so many faces must fit the list");
     if (mesh.totalFaceCount() == 0)
@@ -235,10 +237,12 @@ bool build() {
     Cells cells(static_cast<std::size_t>(highest) + 1);
     if (!connectCells<Records2D>(faces, cells))
         return false;
-    mesh.allocateCells2D(highest + 1);
+    const Centres centres = centresOf(cells);
+    storeInOrder<Records2D>(chooseOrder<Records2D>(storage, faces, cells, centres), highest + 1);
     if (!buildNeighbourLists<Records2D>(cells))
         return false;
-    shapeCells(faces, cells);
+    listSlots<Records2D>(faces, cells);
+    shapeCells(faces, cells, centres);
     return true;
 }
 
@@ -249,7 +253,11 @@ std::int32_t countCells2D() {
 }
 
 bool buildGeometry2D() {
-    return buildWithinMemory(build);
+    return buildGeometry2D(Storage::automatic);
+}
+
+bool buildGeometry2D(Storage storage) {
+    return buildWithinMemory(build, storage);
 }
 
 double minFaceLength2D() {

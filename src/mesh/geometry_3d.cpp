@@ -3,6 +3,7 @@
 
 #include "mesh/cell_graph.h"
 #include "mesh/mesh.h"
+#include "mesh/storage_order.h"
 
 #include <array>
 #include <cmath>
@@ -107,8 +108,8 @@ void shapeFace(FaceRecord3D& face, const Centres& centres) {
 void shapeFaces(const Centres& centres) {
     const std::int32_t F = mesh.totalFaceCount();
 #pragma omp parallel for schedule(static)
-    for (std::int32_t i = 0; i < F; ++i)
-        shapeFace(faceAt(i), centres);
+    for (std::int32_t slot = 0; slot < F; ++slot)
+        shapeFace(mesh.faces3D.data()[slot], centres);
 }
 
 /// Sets the volume of a cell of four nodes. False when they lie in one plane.
@@ -125,20 +126,18 @@ bool setVolume(CellRecord3D& cell) {
 }
 
 /// Fills the records' connections and centres, and the volumes of cells of four nodes; other cells keep 0.
-FlawedCells placeCells(const Cells& cells, Centres& centres) {
+FlawedCells placeCells(const Cells& cells, const Centres& centres) {
     FlawedCells flat;
 #pragma omp parallel for schedule(static) reduction(addFlaws : flat)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        const auto i = static_cast<std::size_t>(c);
-        CellRecord3D& cell = mesh.cells3D[i];
+    for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
+        const std::size_t i = mesh.cells3D.order().number(static_cast<std::size_t>(slot));
+        CellRecord3D& cell = mesh.cells3D.data()[slot];
         fillConnections(cells[i], cell);
-        const Vec3 centre = meanOf(cells[i].allNodes());
-        cell.xc = centre.x;
-        cell.yc = centre.y;
-        cell.zc = centre.z;
-        centres[i] = centre;
+        cell.xc = centres[i].x;
+        cell.yc = centres[i].y;
+        cell.zc = centres[i].z;
         if (cell.nodeCount == 4 && !setVolume(cell))
-            flat.add(c);
+            flat.add(static_cast<std::int32_t>(i));
     }
     return flat;
 }
@@ -215,16 +214,16 @@ bool setWeights(CellRecord3D& cell, const Vec3& centre, const Centres& centres) 
 }
 
 /// Everything that needs points. False, with one problem line, when cells are no tetrahedra.
-bool shapeCells(const Cells& cells) {
-    Centres centres(cells.size());
+bool shapeCells(const Cells& cells, const Centres& centres) {
     const FlawedCells flat = placeCells(cells, centres);
     shapeFaces(centres);
     FlawedCells otherShapes;
     FlawedCells singular;
 #pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, singular)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        const auto i = static_cast<std::size_t>(c);
-        CellRecord3D& cell = mesh.cells3D[i];
+    for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
+        const std::size_t i = mesh.cells3D.order().number(static_cast<std::size_t>(slot));
+        const auto c = static_cast<std::int32_t>(i);
+        CellRecord3D& cell = mesh.cells3D.data()[slot];
         if (!collectFaces(cell, c))
             otherShapes.add(c);
         if (!setWeights(cell, centres[i], centres))
@@ -240,7 +239,7 @@ bool shapeCells(const Cells& cells) {
     return true;
 }
 
-bool build() {
+bool build(Storage storage) {
     if (mesh.totalFaceCount() == 0)
         return true; // the empty mesh has no cells either
     const FaceTable<Records3D> faces = gatherFaces<Records3D>();
@@ -250,14 +249,22 @@ bool build() {
     Cells cells(static_cast<std::size_t>(highest) + 1);
     if (!connectCells<Records3D>(faces, cells))
         return false;
-    mesh.allocateCells3D(highest + 1);
-    return buildNeighbourLists<Records3D>(cells) && shapeCells(cells);
+    const Centres centres(cells.size(), [&cells](std::size_t c) { return meanOf(cells[c].allNodes()); });
+    storeInOrder<Records3D>(chooseOrder<Records3D>(storage, faces, cells, centres), highest + 1);
+    if (!buildNeighbourLists<Records3D>(cells))
+        return false;
+    listSlots<Records3D>(faces, cells);
+    return shapeCells(cells, centres);
 }
 
 } // namespace
 
 bool buildGeometry3D() {
-    return buildWithinMemory(build);
+    return buildGeometry3D(Storage::automatic);
+}
+
+bool buildGeometry3D(Storage storage) {
+    return buildWithinMemory(build, storage);
 }
 
 double minFaceArea3D() {

@@ -29,22 +29,17 @@ class HugeArray {
 public:
     HugeArray() = default;
     explicit HugeArray(std::size_t size) : m_size(size) {
-        if (size == 0)
-            return;
-        if (size > SIZE_MAX / 2 / sizeof(T))
-            throw std::bad_alloc();
-        allocate(size * sizeof(T));
-        if constexpr (!isZeroBytes<T>) {
-            T* const data = m_data;
-            const auto count = static_cast<std::ptrdiff_t>(size);
-#pragma omp parallel for schedule(static) if (size * sizeof(T) >= hugePage)
-            for (std::ptrdiff_t i = 0; i < count; ++i)
-                std::construct_at(data + i);
-        }
+        allocate();
+        if constexpr (!isZeroBytes<T>)
+            construct([](T* element, std::size_t) { std::construct_at(element); });
     }
-    HugeArray(HugeArray&& other) noexcept {
-        swap(other);
+    /// Element i is a copy of source(i).
+    template <class Source>
+    HugeArray(std::size_t size, const Source& source) : m_size(size) {
+        allocate();
+        construct([&source](T* element, std::size_t i) { std::construct_at(element, source(i)); });
     }
+    HugeArray(HugeArray&& other) noexcept { swap(other); }
     HugeArray& operator=(HugeArray&& other) noexcept {
         HugeArray(std::move(other)).swap(*this);
         return *this;
@@ -58,40 +53,18 @@ public:
         std::free(m_block);
     }
 
-    T& operator[](std::size_t i) {
-        return m_data[i];
-    }
-    const T& operator[](std::size_t i) const {
-        return m_data[i];
-    }
-    T* data() {
-        return m_data;
-    }
-    const T* data() const {
-        return m_data;
-    }
-    T* begin() {
-        return m_data;
-    }
-    T* end() {
-        return m_data + m_size;
-    }
-    const T* begin() const {
-        return m_data;
-    }
-    const T* end() const {
-        return m_data + m_size;
-    }
-    std::size_t size() const {
-        return m_size;
-    }
+    T& operator[](std::size_t i) { return m_data[i]; }
+    const T& operator[](std::size_t i) const { return m_data[i]; }
+    T* data() { return m_data; }
+    const T* data() const { return m_data; }
+    T* begin() { return m_data; }
+    T* end() { return m_data + m_size; }
+    const T* begin() const { return m_data; }
+    const T* end() const { return m_data + m_size; }
+    std::size_t size() const { return m_size; }
     /// Bytes of the elements, mapped or not.
-    std::size_t bytes() const {
-        return m_size * sizeof(T);
-    }
-    bool empty() const {
-        return m_size == 0;
-    }
+    std::size_t bytes() const { return m_size * sizeof(T); }
+    bool empty() const { return m_size == 0; }
 
 private:
     void swap(HugeArray& other) noexcept {
@@ -100,9 +73,23 @@ private:
         std::swap(m_block, other.m_block);
     }
 
+    template <class Maker>
+    void construct(const Maker& make) {
+        T* const data = m_data;
+        const auto count = static_cast<std::ptrdiff_t>(m_size);
+#pragma omp parallel for schedule(static) if (bytes() >= hugePage)
+        for (std::ptrdiff_t i = 0; i < count; ++i)
+            make(data + i, static_cast<std::size_t>(i));
+    }
+
     /// Large blocks come from calloc untouched, and stay so before the first aligned byte. Only whole huge
     /// pages are asked for: a last one would map more than the array.
-    void allocate(std::size_t bytes) {
+    void allocate() {
+        if (m_size == 0)
+            return;
+        if (m_size > SIZE_MAX / 2 / sizeof(T))
+            throw std::bad_alloc();
+        const std::size_t bytes = m_size * sizeof(T);
         const std::size_t alignment = bytes >= hugePage ? hugePage : std::size_t{64};
         m_block = std::calloc(bytes + alignment, 1);
         if (!m_block)

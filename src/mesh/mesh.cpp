@@ -24,7 +24,7 @@ RecordTable<Face> facesOf(std::int32_t count, FacePools& pools) {
 }
 
 template <class Cell>
-RecordTable<Cell> cellsOf(std::int32_t count, std::size_t dimensions, CellPools& p) {
+RecordTable<Cell> cellsOf(std::int32_t count, StorageOrder order, std::size_t dimensions, CellPools& p) {
     const auto n = static_cast<std::size_t>(count);
     const std::size_t Q = velocityTotal();
     for (HugeArray<double>* pool :
@@ -32,7 +32,7 @@ RecordTable<Cell> cellsOf(std::int32_t count, std::size_t dimensions, CellPools&
         *pool = HugeArray<double>(n * Q);
     p.gradFBarPlus = HugeArray<double>(n * dimensions * Q);
     p.gradGBarPlus = HugeArray<double>(n * dimensions * Q);
-    return RecordTable<Cell>(n);
+    return RecordTable<Cell>(n, std::move(order));
 }
 
 template <class Cell, class Weight>
@@ -44,20 +44,21 @@ void makeNeighbourLists(const std::vector<std::int32_t>& start, RecordTable<Cell
     const auto count = static_cast<std::ptrdiff_t>(start.size()) - 1;
 #pragma omp parallel for schedule(static)
     for (std::ptrdiff_t i = 0; i < count; ++i) {
-        const auto c = static_cast<std::size_t>(i);
-        cells[c].neighbourCount = start[c + 1] - start[c];
+        const auto slot = static_cast<std::size_t>(i);
+        cells.data()[slot].neighbourCount = start[slot + 1] - start[slot];
     }
 }
 
 /// The area vector that the second cell of a face keeps for it.
 Vec2 secondAreaVector(const void* part) {
     const std::size_t slot = mesh.faces2D.slotOf(part);
-    const std::int32_t c1 = mesh.faces2D[slot].c1;
+    const auto number = static_cast<std::int32_t>(mesh.faces2D.order().number(slot));
+    const std::int32_t c1 = mesh.faces2D.data()[slot].c1;
     if (c1 < 0 || c1 >= mesh.cellCount)
         return {};
     const CellRecord& cell = mesh.cells2D[static_cast<std::size_t>(c1)];
     for (std::size_t k = 0; k < cell.faces.size(); ++k)
-        if (cell.faces[k] == static_cast<std::int32_t>(slot))
+        if (cell.faces[k] == number)
             return cell.S[k];
     return {};
 }
@@ -98,7 +99,8 @@ std::size_t Mesh::bytes() const {
     const std::size_t points = (pointX.size() + pointY.size() + pointZ.size()) * sizeof(double);
     const std::size_t records = faces2D.bytes() + faces3D.bytes() + cells2D.bytes() + cells3D.bytes();
     const std::size_t lists = neighbourStart.size() * sizeof(std::int32_t) + neighbourList.bytes() +
-                              lsqList2D.bytes() + lsqList3D.bytes();
+                              lsqList2D.bytes() + lsqList3D.bytes() + neighbourSlots.bytes() +
+                              faceCellSlots.bytes() + cellFaceSlots2D.bytes() + cellFaceSlots3D.bytes();
     return points + records + lists + cellPools.bytes() + facePools.bytes();
 }
 
@@ -112,16 +114,16 @@ void Mesh::allocateFaces3D(std::int32_t count) {
     faces3D = facesOf<FaceRecord3D>(count, facePools);
 }
 
-void Mesh::allocateCells2D(std::int32_t count) {
+void Mesh::allocateCells2D(std::int32_t count, StorageOrder order) {
     recordVelocityCount = velocitySet.velocityCount;
     cellCount = count;
-    cells2D = cellsOf<CellRecord>(count, 2, cellPools);
+    cells2D = cellsOf<CellRecord>(count, std::move(order), 2, cellPools);
 }
 
-void Mesh::allocateCells3D(std::int32_t count) {
+void Mesh::allocateCells3D(std::int32_t count, StorageOrder order) {
     recordVelocityCount = velocitySet.velocityCount;
     cellCount = count;
-    cells3D = cellsOf<CellRecord3D>(count, 3, cellPools);
+    cells3D = cellsOf<CellRecord3D>(count, std::move(order), 3, cellPools);
 }
 
 void Mesh::allocateNeighbours2D(std::vector<std::int32_t> start) {

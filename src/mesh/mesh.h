@@ -41,12 +41,19 @@ public:
     std::vector<QString> zoneNames;                    ///< one per boundary zone
 
     std::int32_t recordVelocityCount = 0;     ///< Q for which the records' arrays were made
-    std::vector<std::int32_t> neighbourStart; ///< cellCount + 1 offsets into the two lists below
-    HugeArray<std::int32_t> neighbourList;
+    std::vector<std::int32_t> neighbourStart; ///< cellCount + 1 offsets into the lists, cells as they lie
+    HugeArray<std::int32_t> neighbourList;    ///< cell numbers
     HugeArray<Vec2> lsqList2D;
     HugeArray<Vec3> lsqList3D;
     CellPools cellPools;
     FacePools facePools;
+
+    // Where the records lie that others name by number; empty when every record lies at its number.
+    HugeArray<std::int32_t> neighbourSlots;
+    HugeArray<std::array<std::int32_t, 2>> faceCellSlots;
+    HugeArray<std::array<std::int32_t, CellRecord::maxFaces>> cellFaceSlots2D;
+    HugeArray<std::array<std::int32_t, CellRecord3D::maxFaces>> cellFaceSlots3D;
+
     QString sourceName;                        ///< the mesh file, for messages
     std::vector<FaceLineStart> faceLineStarts; ///< one per face zone, ascending
 
@@ -59,11 +66,12 @@ public:
     /// The line of the mesh file that holds the face (0-based); 0 when it did not come from a file.
     std::int64_t faceLine(std::int32_t face) const;
 
-    /// Creates the face records, their arrays sized for the velocity set as it stands.
+    /// Creates the face records, their arrays sized for the velocity set as it stands. All records lie at
+    /// their numbers.
     void allocateFaces2D(std::int32_t count);
 
-    /// Creates `count` cell records and sets cellCount.
-    void allocateCells2D(std::int32_t count);
+    /// Creates `count` cell records, stored in the given order, and sets cellCount.
+    void allocateCells2D(std::int32_t count, StorageOrder order = {});
 
     /// Creates the compact neighbour and weight lists of which the records hold slices. `start` holds
     /// cellCount + 1 ascending offsets. The lists are zero until they are filled.
@@ -71,7 +79,7 @@ public:
 
     /// The same for the records of a 3D mesh.
     void allocateFaces3D(std::int32_t count);
-    void allocateCells3D(std::int32_t count);
+    void allocateCells3D(std::int32_t count, StorageOrder order = {});
     void allocateNeighbours3D(std::vector<std::int32_t> start);
 
     /// False when another velocity set was read after the mesh: the records' arrays have another size.

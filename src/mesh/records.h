@@ -16,6 +16,8 @@ template <>
 inline constexpr bool isZeroBytes<Vec2> = true;
 template <>
 inline constexpr bool isZeroBytes<Vec3> = true;
+template <std::size_t N>
+inline constexpr bool isZeroBytes<std::array<std::int32_t, N>> = true;
 
 /// One pool per kind of per-velocity cell array, cells in order, Q entries a cell (2Q or 3Q for gradients).
 struct CellPools {
@@ -156,6 +158,7 @@ struct Apart<FaceRecord> {
         double fl = 0.0;
         std::int32_t thermalKind = 0;
         std::int32_t flowKind = 0;
+        bool operator==(const Wall&) const = default;
     };
     HugeArray<Ends> ends;
     HugeArray<double> lengths;
@@ -164,11 +167,20 @@ struct Apart<FaceRecord> {
     Apart() = default;
     explicit Apart(std::size_t size);
     std::size_t bytes() const { return ends.bytes() + lengths.bytes() + walls.bytes(); }
+    /// Copies what belongs to a record from one slot of `other`; unset wall conditions stay untouched.
+    void takeFrom(const Apart& other, std::size_t slot, std::size_t otherSlot);
 };
 template <>
 inline constexpr bool isZeroBytes<Apart<FaceRecord>::Wall> = true;
 
 inline Apart<FaceRecord>::Apart(std::size_t size) : ends(size), lengths(size), walls(size) {}
+
+inline void Apart<FaceRecord>::takeFrom(const Apart& other, std::size_t slot, std::size_t otherSlot) {
+    ends[slot] = other.ends[otherSlot];
+    lengths[slot] = other.lengths[otherSlot];
+    if (other.walls[otherSlot] != Wall{})
+        walls[slot] = other.walls[otherSlot];
+}
 
 /// A 2D cell with at most four faces and four nodes and at most 20 least-squares neighbours. Each group of
 /// fields fills one cache line.
@@ -224,6 +236,9 @@ struct Apart<CellRecord> {
     Apart() = default;
     explicit Apart(std::size_t size) : nodes(size) {}
     std::size_t bytes() const { return nodes.bytes(); }
+    void takeFrom(const Apart& other, std::size_t slot, std::size_t otherSlot) {
+        nodes[slot] = other.nodes[otherSlot];
+    }
 };
 
 /// A 3D face: triangle or quadrilateral.

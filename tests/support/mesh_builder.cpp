@@ -6,9 +6,11 @@
 #include "mesh/mesh.h"
 #include "velocity/velocity_set.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
+#include <random>
 #include <unordered_map>
 
 namespace fluvane::support {
@@ -137,6 +139,11 @@ void distort(PlaneCells& plane, double amplitude) {
         plane.x[i] = x + bump * std::cos(3.0 * y);
         plane.y[i] = y + bump * std::sin(1.0 + 2.0 * x);
     }
+}
+
+void shuffleCells(PlaneCells& plane, unsigned seed) {
+    std::mt19937 generator(seed);
+    std::shuffle(plane.cells.begin(), plane.cells.end(), generator);
 }
 
 ZoneOfEdge sidesOfBox(double lx, double ly) {

@@ -27,6 +27,9 @@ PlaneCells ring(int nr, int nt, double inner, double outer, bool triangles = fal
 /// Moves every point by a smooth displacement that leaves the boundary of the unit square where it is.
 void distort(PlaneCells& cells, double amplitude);
 
+/// Numbers the cells at random.
+void shuffleCells(PlaneCells& cells, unsigned seed);
+
 /// Which boundary zone an edge belongs to, from its midpoint.
 using ZoneOfEdge = std::function<int(double x, double y)>;
 
