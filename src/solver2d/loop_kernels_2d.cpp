@@ -120,7 +120,7 @@ void reconstruct(const StepConstants& c, const StepData2D& d, std::int32_t first
 // ---- boundary faces -------------------------------------------------------------------------------------
 
 void boundaryHeat(const StepConstants& c, const StepData2D& d, FaceRecord& face, double* g) {
-    const CellRecord& cell = d.cells[face.c0];
+    const CellRecord& cell = d.cells[sidesOf(d, face).c0];
     const double length = std::sqrt(square(outwardOf(face)));
     const double gathered = mirrorHeat(c, face, length, oneSided(c, d, face, d.gBarPlus, d.gradGBarPlus), g);
     if (c.enthalpyForm()) {
@@ -146,7 +146,7 @@ void boundaryHeat(const StepConstants& c, const StepData2D& d, FaceRecord& face,
 }
 
 void boundaryFlow(const StepConstants& c, const StepData2D& d, FaceRecord& face, double* f) {
-    const CellRecord& cell = d.cells[face.c0];
+    const CellRecord& cell = d.cells[sidesOf(d, face).c0];
     const OneSided<2> reconstructed = oneSided(c, d, face, d.fBarPlus, d.gradFBarPlus);
     face.rho = cell.rho;
     const bool open = face.flowKind == outflow;
@@ -216,7 +216,7 @@ FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const StepData2D& 
         double* const tilde = d.fTilde + i * q;
         FlowMoments<2> moments[N];
         for (int n = 0; n < N; ++n)
-            addFluxes<Q>(c, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
+            addFluxes<Q>(c, d, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
         flowMoments<2, Q>(c, tilde, moments);
         for (int n = 0; n < N; ++n) {
             cells[n].uPrev = cells[n].u;
@@ -228,7 +228,7 @@ FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const StepData2D& 
         double* const tilde = d.gTilde + i * q;
         double total[N];
         for (int n = 0; n < N; ++n)
-            addFluxes<Q>(c, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
+            addFluxes<Q>(c, d, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
         sums<Q>(c, tilde, total);
         for (int n = 0; n < N; ++n)
             setThermalCell(c, cells[n], total[n]);

@@ -72,7 +72,7 @@ void reconstruct(const StepConstants& c, const StepData3D& d, std::int32_t first
 template <int Q>
 void boundaryHeat(const StepConstants& c, const StepData3D& d, FaceRecord3D& face, double* g) {
     if (face.thermalKind != constantTemperature && face.thermalKind != constantFlux)
-        face.T = d.cells[face.c0].T;
+        face.T = d.cells[sidesOf(d, face).c0].T;
     const double length = std::sqrt(square(outwardOf(face)));
     const double gathered = mirrorHeat(c, face, length, oneSided(c, d, face, d.gBarPlus, d.gradGBarPlus), g);
     if (face.thermalKind == constantFlux)
@@ -89,7 +89,7 @@ void boundaryHeat(const StepConstants& c, const StepData3D& d, FaceRecord3D& fac
 /// w.
 template <int Q>
 void boundaryFlow(const StepConstants& c, const StepData3D& d, FaceRecord3D& face, double* f) {
-    const CellRecord3D& cell = d.cells[face.c0];
+    const CellRecord3D& cell = d.cells[sidesOf(d, face).c0];
     const OneSided<3> reconstructed = oneSided(c, d, face, d.fBarPlus, d.gradFBarPlus);
     const bool open = face.flowKind == outflow;
     if (open) {
@@ -145,7 +145,7 @@ FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const StepData3D& 
         double* const tilde = d.fTilde + i * q;
         FlowMoments<3> moments[N];
         for (int n = 0; n < N; ++n)
-            addFluxes<Q>(c, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
+            addFluxes<Q>(c, d, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
         flowMoments<3, Q>(c, tilde, moments);
         for (int n = 0; n < N; ++n) {
             cells[n].uPrev = cells[n].u;
@@ -158,7 +158,7 @@ FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const StepData3D& 
         double* const tilde = d.gTilde + i * q;
         double total[N];
         for (int n = 0; n < N; ++n)
-            addFluxes<Q>(c, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
+            addFluxes<Q>(c, d, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
         sums<Q>(c, tilde, total);
         for (int n = 0; n < N; ++n)
             setThermalCell(c, cells[n], total[n]);

@@ -101,7 +101,7 @@ void setDistortedMesh(int n, bool turned = false) {
 
 std::vector<int> neighboursOf(std::size_t c) {
     const CellRecord& cell = mesh.cells2D[c];
-    return {cell.neighbours, cell.neighbours + cell.neighbourCount};
+    return {cell.neighbours.data(), cell.neighbours + cell.neighbourCount};
 }
 
 double pointAngle(const CellRecord& cell, int node) {

@@ -88,4 +88,28 @@ TEST_F(MeshTest, ClearedMeshIsEmpty) {
     EXPECT_TRUE(mesh.cellPools.gradFBarPlus.empty());
 }
 
+TEST(RecordOutsideTheMesh, HasItsOwnFieldsAndNoRows) {
+    mesh.clear();
+    FaceRecord face;
+    EXPECT_EQ(face.thermalKind, 0);
+    EXPECT_EQ(face.flowKind, 0);
+    EXPECT_EQ(face.q, 0.0);
+    EXPECT_EQ(face.c1, -1);
+    EXPECT_EQ(face.n0, -1);
+    EXPECT_EQ(face.S1x, 0.0);
+    EXPECT_EQ(face.fFace.data(), nullptr);
+    face.q = 2.0;
+    const FaceRecord copy = face;
+    face.q = 3.0;
+    EXPECT_EQ(copy.q, 2.0);
+    const CellRecord cell;
+    EXPECT_EQ(cell.rho, 1.0);
+    EXPECT_EQ(cell.nodes[3], -1);
+    EXPECT_EQ(cell.faces[3], -1);
+    EXPECT_EQ(cell.fTilde.data(), nullptr);
+    const CellRecord3D cell3D;
+    EXPECT_EQ(cell3D.nodes[7], -1);
+    EXPECT_EQ(cell3D.gradFBarPlus.z.data(), nullptr);
+}
+
 } // namespace fluvane
