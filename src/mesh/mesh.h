@@ -85,8 +85,9 @@ public:
     /// False when another velocity set was read after the mesh: the records' arrays have another size.
     bool matchesVelocitySet() const;
 
-    /// Bytes of points, records, lists and pools when all of it is in use. Pages that nothing touched (the
-    /// pools of a form that is off, the wall conditions of interior faces) take less.
+    /// Bytes of points, records, lists and pools when all of it is in use. Not counted are the wall
+    /// conditions of interior faces, which nothing touches; pools of a form that is off take no memory
+    /// either.
     std::size_t bytes() const;
 };
 

@@ -31,10 +31,11 @@ StorageOrder orderAlongCurve(const HugeArray<Vec3>& centres);
 
 /// Counts touches of things that were not touched lately: a guess at what leaves the cache, or is not
 /// fetched ahead, when a loop walks through a mesh. A touch lasts for `lasting` steps of the walk and for
-/// `together` things with neighbouring numbers.
+/// `together` things with neighbouring numbers, so that walks along a few rows at once miss little, and those
+/// through meshes that fit the cache anyway as well.
 class TouchCounter {
 public:
-    static constexpr std::int32_t lasting = 2048;
+    static constexpr std::int32_t lasting = 16;
     static constexpr std::int32_t together = 32;
 
     explicit TouchCounter(std::int32_t things)
@@ -111,8 +112,8 @@ struct MeshOrder {
 template <class Records, class Centres>
 MeshOrder chooseOrder(Storage storage, const FaceTable<Records>& faces, const CellTable<Records>& cells,
                       const Centres& centres) {
-    // Meshes numbered row by row or block by block stay well below this, what mesh generators leave behind
-    // lies above.
+    // Rows, blocks and curves through squares and cubes miss 0.03 to 0.24 times a cell, shuffled cells of
+    // meshes beyond 1,800 cells 1.3 to 4 times.
     constexpr double tooMany = 0.5;
     MeshOrder order;
     if (storage == Storage::asNumbered)
