@@ -99,11 +99,7 @@ bool Mesh::matchesVelocitySet() const {
 
 std::size_t Mesh::bytes() const {
     const std::size_t points = (pointX.size() + pointY.size() + pointZ.size()) * sizeof(double);
-    const std::size_t unusedWalls =
-        std::min(faces2D.size(), static_cast<std::size_t>(std::max(interiorFaceCount, 0))) *
-        sizeof(Apart<FaceRecord>::Wall);
-    const std::size_t records =
-        faces2D.bytes() + faces3D.bytes() + cells2D.bytes() + cells3D.bytes() - unusedWalls;
+    const std::size_t records = faces2D.bytes() + faces3D.bytes() + cells2D.bytes() + cells3D.bytes();
     const std::size_t lists = neighbourStart.size() * sizeof(std::int32_t) + neighbourList.bytes() +
                               lsqList2D.bytes() + lsqList3D.bytes() + neighbourSlots.bytes() +
                               faceCellSlots.bytes() + cellFaceSlots2D.bytes() + cellFaceSlots3D.bytes();

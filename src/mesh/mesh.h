@@ -85,9 +85,8 @@ public:
     /// False when another velocity set was read after the mesh: the records' arrays have another size.
     bool matchesVelocitySet() const;
 
-    /// Bytes of points, records, lists and pools when all of it is in use. Not counted are the wall
-    /// conditions of interior faces, which nothing touches; pools of a form that is off take no memory
-    /// either.
+    /// Bytes of points, records, lists and pools when all of it is in use. Pools of a form that is off take
+    /// no memory: nothing touches their pages.
     std::size_t bytes() const;
 };
 

@@ -303,7 +303,8 @@ TEST_F(StorageOrderTest, FacesAloneMayBeOrdered) {
         const std::size_t source = i < inner ? from[i] : i;
         faces[i].c0 = mesh.faces2D[source].c0;
         faces[i].c1 = mesh.faces2D[source].c1;
-        faces.apart.ends[i] = mesh.faces2D.apart.ends[source];
+        faces[i].n0 = mesh.faces2D[source].n0;
+        faces[i].n1 = mesh.faces2D[source].n1;
     }
     mesh.faces2D = std::move(faces);
     const auto stepped = [](Storage storage) {
