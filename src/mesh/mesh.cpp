@@ -101,14 +101,16 @@ std::size_t Mesh::bytes() const {
     const std::size_t points = (pointX.size() + pointY.size() + pointZ.size()) * sizeof(double);
     const std::size_t records = faces2D.bytes() + faces3D.bytes() + cells2D.bytes() + cells3D.bytes();
     const std::size_t lists = neighbourStart.size() * sizeof(std::int32_t) + neighbourList.bytes() +
-                              lsqList2D.bytes() + lsqList3D.bytes() + neighbourSlots.bytes() +
-                              faceCellSlots.bytes() + cellFaceSlots2D.bytes() + cellFaceSlots3D.bytes();
+                              lsqList2D.bytes() + lsqList3D.bytes() + cellNodes2D.bytes() +
+                              neighbourSlots.bytes() + faceCellSlots.bytes() + cellFaceSlots2D.bytes() +
+                              cellFaceSlots3D.bytes();
     return points + records + lists + cellPools.bytes() + facePools.bytes();
 }
 
 void Mesh::allocateFaces2D(std::int32_t count) {
     recordVelocityCount = velocitySet.velocityCount;
     faces2D = facesOf<FaceRecord>(count, facePools);
+    wallLiquidFractions = HugeArray<double>(static_cast<std::size_t>(count));
 }
 
 void Mesh::allocateFaces3D(std::int32_t count) {
@@ -120,6 +122,8 @@ void Mesh::allocateCells2D(std::int32_t count, StorageOrder order) {
     recordVelocityCount = velocitySet.velocityCount;
     cellCount = count;
     cells2D = cellsOf<CellRecord>(count, std::move(order), 2, cellPools);
+    cellNodes2D = HugeArray<std::int32_t>(static_cast<std::size_t>(count) * CellRecord::maxNodes,
+                                          [](std::size_t) { return -1; });
 }
 
 void Mesh::allocateCells3D(std::int32_t count, StorageOrder order) {

@@ -45,6 +45,8 @@ public:
     HugeArray<std::int32_t> neighbourList;    ///< cell numbers
     HugeArray<Vec2> lsqList2D;
     HugeArray<Vec3> lsqList3D;
+    HugeArray<std::int32_t> cellNodes2D;   ///< maxNodes a cell, cells as they lie
+    HugeArray<double> wallLiquidFractions; ///< of 2D faces as they lie; untouched but on walls that have one
     CellPools cellPools;
     FacePools facePools;
 

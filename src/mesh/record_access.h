@@ -36,6 +36,18 @@ double* poolRow(const void* part) {
         return (mesh.facePools.*pool).data() + first;
 }
 
+inline std::int32_t* nodesOfCell(const void* part) {
+    const std::size_t slot = mesh.cells2D.slotOf(part);
+    if (slot >= mesh.cells2D.size())
+        return nullptr;
+    return mesh.cellNodes2D.data() + slot * std::size_t{CellRecord::maxNodes};
+}
+
+inline double* liquidFractionOfWall(const void* part) {
+    const std::size_t slot = mesh.faces2D.slotOf(part);
+    return slot < mesh.wallLiquidFractions.size() ? mesh.wallLiquidFractions.data() + slot : nullptr;
+}
+
 /// Where the neighbours of a cell begin in the lists; at their start before they are there.
 template <class Record>
 std::ptrdiff_t firstNeighbour(const void* part) {

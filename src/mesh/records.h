@@ -51,6 +51,8 @@ template <class Record>
 std::int32_t* neighboursOf(const void* part);
 template <class Record, class Weight>
 Weight* weightsOf(const void* part);
+std::int32_t* nodesOfCell(const void* part);
+double* liquidFractionOfWall(const void* part);
 double secondAreaX(const void* part);
 double secondAreaY(const void* part);
 
@@ -101,12 +103,12 @@ struct GradientRows3D {
     GradientSlice3D::Derivative operator[](std::size_t k) const { return {x[k], y[k], z[k]}; }
 };
 
-// All indices are 0-based; a cell index of -1 means no cell. A group of fields up to a blank line is what one
-// loop of a step reads together. Members without an address of their own lie elsewhere in the mesh, and a
-// record outside the mesh has none of those.
+// All indices are 0-based; a cell index of -1 means no cell. A group of fields up to a blank line is one
+// cache line, which a loop of a step reads as a whole. Members without an address of their own lie elsewhere
+// in the mesh, and a record outside the mesh has none of those.
 
-/// A 2D face, packed: all loops walk through the faces in order. On a wall u, v, T hold what was assigned.
-struct FaceRecord {
+/// A 2D face. On a wall u, v, T hold what was assigned.
+struct alignas(64) FaceRecord {
     // Moments at the face midpoint at the half step.
     double rho = 0.0;
     double u = 0.0;
@@ -115,21 +117,22 @@ struct FaceRecord {
     double H = 0.0;
     double Fx = 0.0;
     double Fy = 0.0;
+    double length = 0.0;
+
     double xf = 0.0; ///< midpoint
     double yf = 0.0;
     double S0x = 0.0; ///< area vector pointing out of c0, as long as the face
     double S0y = 0.0;
     std::int32_t c0 = -1;
     std::int32_t c1 = -1; ///< -1 on a boundary face
-
     std::int32_t thermalKind = 0;
     std::int32_t flowKind = 0;
-    double q = 0.0;  ///< wall heat flux of a constant-flux boundary
-    double fl = 0.0; ///< wall liquid fraction; no kernel reads it
-
+    double q = 0.0;       ///< wall heat flux of a constant-flux boundary
     std::int32_t n0 = -1; ///< end points in file order
     std::int32_t n1 = -1;
-    double length = 0.0;
+
+    /// Wall liquid fraction; no kernel reads it.
+    [[no_unique_address]] ApartField<double, &liquidFractionOfWall> fl;
     /// Area vector pointing out of c1, which keeps it; 0 on boundary faces.
     [[no_unique_address]] ComputedField<double, &secondAreaX> S1x;
     [[no_unique_address]] ComputedField<double, &secondAreaY> S1y;
@@ -138,8 +141,9 @@ struct FaceRecord {
 };
 
 /// A 2D cell with at most four faces and four nodes and at most 20 least-squares neighbours.
-struct CellRecord {
+struct alignas(64) CellRecord {
     static constexpr std::int32_t maxFaces = 4;
+    static constexpr std::int32_t maxNodes = 4;
     static constexpr std::int32_t maxNeighbours = 20;
 
     double rho = 1.0;
@@ -163,7 +167,8 @@ struct CellRecord {
 
     std::array<Vec2, 4> S{}; ///< outward area vector across faces[j]
 
-    std::array<std::int32_t, 4> nodes{-1, -1, -1, -1}; ///< clockwise once the geometry is built
+    /// maxNodes point indices, -1 for those a triangle lacks; clockwise once the geometry is built.
+    [[no_unique_address]] SliceField<std::int32_t, &nodesOfCell> nodes;
     /// neighbourCount cell indices: face neighbours, then the second ring.
     [[no_unique_address]] SliceField<std::int32_t, &neighboursOf<CellRecord>> neighbours;
     /// One least-squares weight pair a neighbour.
@@ -259,7 +264,7 @@ struct alignas(64) CellRecord3D {
 };
 
 // A member above that took room would cost every cell.
-static_assert(sizeof(FaceRecord) == 136 && sizeof(CellRecord) == 208);
+static_assert(sizeof(FaceRecord) == 128 && sizeof(CellRecord) == 192);
 static_assert(sizeof(FaceRecord3D) == 192 && sizeof(CellRecord3D) == 448);
 
 } // namespace fluvane

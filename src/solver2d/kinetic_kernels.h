@@ -543,4 +543,44 @@ FLUVANE_FORCE_INLINE void addFluxes(const StepConstants& c, const Data& d,
     });
 }
 
+/// What a cell's velocity was before the update.
+FLUVANE_FORCE_INLINE void keepVelocity(CellRecord& cell) {
+    cell.uPrev = cell.u;
+    cell.vPrev = cell.v;
+}
+FLUVANE_FORCE_INLINE void keepVelocity(CellRecord3D& cell) {
+    cell.uPrev = cell.u;
+    cell.vPrev = cell.v;
+    cell.wPrev = cell.w;
+}
+
+/// Cells i .. i + N - 1, flow before heat. `setThermal` turns the sum of a cell's g into its thermal state.
+template <int Q, int N, class Data, class SetThermal>
+FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const Data& d, std::ptrdiff_t i,
+                                      const SetThermal& setThermal) {
+    constexpr int D = Data::dimensions;
+    const std::ptrdiff_t q = stride<Q>(c);
+    auto* const cells = d.cells + i;
+    if (c.flowOn) {
+        double* const tilde = d.fTilde + i * q;
+        FlowMoments<D> moments[N];
+        for (int n = 0; n < N; ++n)
+            addFluxes<Q>(c, d, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
+        flowMoments<D, Q>(c, tilde, moments);
+        for (int n = 0; n < N; ++n) {
+            keepVelocity(cells[n]);
+            setFlow(cells[n], moments[n], c.halfStep);
+        }
+    }
+    if (c.heatOn()) {
+        double* const tilde = d.gTilde + i * q;
+        double total[N];
+        for (int n = 0; n < N; ++n)
+            addFluxes<Q>(c, d, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
+        sums<Q>(c, tilde, total);
+        for (int n = 0; n < N; ++n)
+            setThermal(cells[n], total[n]);
+    }
+}
+
 } // namespace fluvane::FLUVANE_ISA

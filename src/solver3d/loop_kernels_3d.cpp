@@ -136,38 +136,12 @@ FLUVANE_FORCE_INLINE void setThermalCell(const StepConstants& c, CellRecord3D& c
     cell.Fz = buoyancy(c, cell.T);
 }
 
-/// Cells i .. i + N - 1, flow before heat.
-template <int Q, int N>
-FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    CellRecord3D* const cells = d.cells + i;
-    if (c.flowOn) {
-        double* const tilde = d.fTilde + i * q;
-        FlowMoments<3> moments[N];
-        for (int n = 0; n < N; ++n)
-            addFluxes<Q>(c, d, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
-        flowMoments<3, Q>(c, tilde, moments);
-        for (int n = 0; n < N; ++n) {
-            cells[n].uPrev = cells[n].u;
-            cells[n].vPrev = cells[n].v;
-            cells[n].wPrev = cells[n].w;
-            setFlow(cells[n], moments[n], c.halfStep);
-        }
-    }
-    if (c.heatOn()) {
-        double* const tilde = d.gTilde + i * q;
-        double total[N];
-        for (int n = 0; n < N; ++n)
-            addFluxes<Q>(c, d, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
-        sums<Q>(c, tilde, total);
-        for (int n = 0; n < N; ++n)
-            setThermalCell(c, cells[n], total[n]);
-    }
-}
-
 template <int Q>
 void update(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
-    overGroups(first, last, [&](std::ptrdiff_t i, auto n) { updateCells<Q, n>(c, d, i); });
+    overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
+        updateCells<Q, n>(c, d, i,
+                          [&c](CellRecord3D& cell, double total) { setThermalCell(c, cell, total); });
+    });
 }
 
 template <int Q>
