@@ -359,8 +359,7 @@ void fillConnections(const Links& links, Cell& cell) {
     cell.faceCount = static_cast<Count>(links.faceCount);
     cell.nodeCount = static_cast<Count>(links.nodeCount);
     std::fill(std::copy_n(links.faces.begin(), links.faceCount, cell.faces.begin()), cell.faces.end(), -1);
-    std::int32_t* const nodes = cell.nodes.data();
-    std::fill(std::copy_n(links.nodes.begin(), links.nodeCount, nodes), nodes + Cell::maxNodes, -1);
+    std::fill(std::copy_n(links.nodes.begin(), links.nodeCount, cell.nodes.begin()), cell.nodes.end(), -1);
 }
 
 /// The smallest value over the faces, starting from 10000.0. The zones may count the faces of the other

@@ -168,7 +168,7 @@ struct alignas(64) CellRecord {
     std::array<Vec2, 4> S{}; ///< outward area vector across faces[j]
 
     /// maxNodes point indices, -1 for those a triangle lacks; clockwise once the geometry is built.
-    [[no_unique_address]] SliceField<std::int32_t, &nodesOfCell> nodes;
+    [[no_unique_address]] ArrayField<std::int32_t, maxNodes, &nodesOfCell> nodes;
     /// neighbourCount cell indices: face neighbours, then the second ring.
     [[no_unique_address]] SliceField<std::int32_t, &neighboursOf<CellRecord>> neighbours;
     /// One least-squares weight pair a neighbour.
