@@ -110,7 +110,7 @@ std::size_t Mesh::bytes() const {
 void Mesh::allocateFaces2D(std::int32_t count) {
     recordVelocityCount = velocitySet.velocityCount;
     faces2D = facesOf<FaceRecord>(count, facePools);
-    wallLiquidFractions = HugeArray<double>(static_cast<std::size_t>(count));
+    wallLiquidFractions = {};
 }
 
 void Mesh::allocateFaces3D(std::int32_t count) {

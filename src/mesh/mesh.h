@@ -46,7 +46,7 @@ public:
     HugeArray<Vec2> lsqList2D;
     HugeArray<Vec3> lsqList3D;
     HugeArray<std::int32_t> cellNodes2D;   ///< maxNodes a cell, cells as they lie
-    HugeArray<double> wallLiquidFractions; ///< of 2D faces as they lie; untouched but on walls that have one
+    HugeArray<double> wallLiquidFractions; ///< of boundary faces in 2D, which lie at their numbers
     CellPools cellPools;
     FacePools facePools;
 

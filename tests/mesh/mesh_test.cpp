@@ -86,7 +86,7 @@ TEST_F(MeshTest, BytesGrowWithWhatIsThere) {
     mesh.allocateCells2D(10);
     EXPECT_EQ(mesh.bytes(), 16U + 10 * (208 + 10 * 9 * 8));
     mesh.allocateFaces2D(5);
-    EXPECT_EQ(mesh.bytes(), 16U + 10 * (208 + 10 * 9 * 8) + 5 * (136 + 2 * 9 * 8));
+    EXPECT_EQ(mesh.bytes(), 16U + 10 * (208 + 10 * 9 * 8) + 5 * (128 + 2 * 9 * 8));
 }
 
 TEST_F(MeshTest, ClearedMeshIsEmpty) {
@@ -117,6 +117,8 @@ TEST(RecordOutsideTheMesh, HasItsOwnFieldsAndNoRows) {
     EXPECT_EQ(face.c1, -1);
     EXPECT_EQ(face.n0, -1);
     EXPECT_EQ(face.S1x, 0.0);
+    face.fl = 0.5;
+    EXPECT_EQ(face.fl, 0.0);
     EXPECT_EQ(face.fFace.data(), nullptr);
     face.q = 2.0;
     const FaceRecord copy = face;
@@ -124,7 +126,7 @@ TEST(RecordOutsideTheMesh, HasItsOwnFieldsAndNoRows) {
     EXPECT_EQ(copy.q, 2.0);
     const CellRecord cell;
     EXPECT_EQ(cell.rho, 1.0);
-    EXPECT_EQ(cell.nodes[3], -1);
+    EXPECT_EQ(cell.nodes.data(), nullptr);
     EXPECT_EQ(cell.faces[3], -1);
     EXPECT_EQ(cell.fTilde.data(), nullptr);
     const CellRecord3D cell3D;

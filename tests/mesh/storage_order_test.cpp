@@ -324,7 +324,7 @@ TEST_F(StorageOrderTest, MovedFacesKeepWhatTheyHadAndMoveBack) {
     makePlane(shuffledPlane(8));
     support::fillRandomState(7);
     setWalls(mesh.faces2D);
-    for (std::size_t i = 0; i < mesh.faces2D.size(); ++i)
+    for (auto i = static_cast<std::size_t>(mesh.interiorFaceCount); i < mesh.faces2D.size(); ++i)
         mesh.faces2D[i].fl = 0.25 * double(i);
     const auto faceValues = [] {
         Values all;
