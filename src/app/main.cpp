@@ -4,8 +4,25 @@
 
 #include <QApplication>
 #include <QThreadPool>
+#include <csignal>
+
+namespace {
+
+/// A file at its size limit or a pipe without a reader is a failed write like any other, not the end of the
+/// process.
+void surviveFailedWrites() {
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
+}
+
+} // namespace
 
 int main(int argc, char* argv[]) {
+    surviveFailedWrites();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     const QApplication application(argc, argv);
     mainWindow = new MainWindow;
