@@ -44,9 +44,9 @@ bool runSequence(const QStringList& a) {
     return true;
 }
 
-/// NUMBER FILE: steps and saves under one name until it is killed.
+/// MESH FILE: steps the flow on a 2D mesh file and saves under one name until it is killed.
 bool rewrite(const QStringList& a) {
-    if (!reliability::prepareCase(a[0].toInt()) || !writeResult2D(a[1]))
+    if (!reliability::prepareFlow(a[0]) || !writeResult2D(a[1]))
         return false;
     say("ready");
     for (;;) {
@@ -74,8 +74,8 @@ Use presentUse() {
             descriptors.entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size()};
 }
 
-/// NUMBER THREADS STEPS INTERVAL REPORTS FILE: one long run; at each of REPORTS parts of it a line with the
-/// step, the seconds, the memory in kB and the open files.
+/// NUMBER THREADS STEPS INTERVAL REPORTS FILE: one long run; at each of REPORTS parts of it a line "use" with
+/// the step, the seconds, the memory in kB and the open files.
 bool soak(const QStringList& a) {
     if (!reliability::prepareCase(a[0].toInt()))
         return false;
@@ -87,7 +87,7 @@ bool soak(const QStringList& a) {
         const bool saved = line.startsWith("time=") || line.startsWith("Time Steps=");
         if (saved && saves++ % savesAReport == 0) {
             const Use use = presentUse();
-            say(QStringLiteral("%1 %2 %3 %4")
+            say(QStringLiteral("use %1 %2 %3 %4")
                     .arg((saves - 1) * interval)
                     .arg(use.seconds, 0, 'f', 3)
                     .arg(use.kilobytes)

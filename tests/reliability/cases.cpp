@@ -91,23 +91,22 @@ void setWalls(const Case& c) {
     }
 }
 
-} // namespace
-
-int caseCount() {
-    return static_cast<int>(cases.size());
-}
-
-bool prepareCase(int number) {
-    return prepareCase(number, QString());
-}
-
-bool prepareCase(int number, const QString& meshFile) {
-    const Case& c = caseOf(number);
+bool prepare(const Case& c, const QString& meshFile) {
     if (!readFiles(c, meshFile))
         return false;
     setPhysics(c);
     setWalls(c);
     return true;
+}
+
+} // namespace
+
+bool prepareCase(int number) {
+    return prepare(caseOf(number), QString());
+}
+
+bool prepareFlow(const QString& meshFile) {
+    return prepare(caseOf(0), meshFile);
 }
 
 bool runCase(unsigned threads, int steps, int interval, const QString& file) {

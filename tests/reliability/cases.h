@@ -13,8 +13,8 @@ int caseCount();
 /// terminal lines, when a file is refused.
 bool prepareCase(int number);
 
-/// The same on another 2D mesh file: the first case, walls by the zones the file has.
-bool prepareCase(int number, const QString& meshFile);
+/// The flow of the first case on another 2D mesh file: its last zone slides.
+bool prepareFlow(const QString& meshFile);
 
 /// Runs the case that was prepared; what its driver returns.
 bool runCase(unsigned threads, int steps, int interval, const QString& file);
