@@ -18,7 +18,7 @@ def soak(programs, number, steps, interval):
     """(step, seconds, kilobytes, open files) at REPORTS instants of one run."""
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
-        code, lines, err = reliability.run(programs, "case_process", "soak", number, 2, steps, interval,
+        code, lines, err = reliability.run(programs, "case_process", "soak", number, 1, steps, interval,
                                            REPORTS, folder / "run.dat", timeout=7200)
         require(code == 0, f"ended with {code}:\n{err}")
         reliability.require_whole_results(folder)
