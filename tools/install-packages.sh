@@ -5,6 +5,8 @@ set -euo pipefail
 
 packages=(
     g++              # compiler, with the OpenMP runtime libgomp1
+    clang            # a second compiler, whose thread sanitizer knows OpenMP
+    libomp-dev       # its OpenMP runtime, with libarcher that tells the sanitizer
     cmake            # configures the build
     ninja-build      # runs it
     qtbase5-dev      # Qt 5: Core, Gui, Widgets, Concurrent, Test
