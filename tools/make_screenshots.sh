@@ -28,7 +28,11 @@ keep() { # CASE PICTURE-WITHOUT-NUMBER NAME
 }
 
 newest() { # CASE: the result that the run wrote last
-    ls -t -- "$work/$1/results/$1"_*.dat | head -n 1
+    local file latest=""
+    for file in "$work/$1/results/$1"_*.dat; do
+        [[ -n "$latest" && ! "$file" -nt "$latest" ]] || latest=$file
+    done
+    printf '%s\n' "$latest"
 }
 
 mkdir -p "$images"

@@ -53,7 +53,7 @@ T* part(const QObject* owner, const char* name) {
 /// Pictures of windows have few colours: a palette of just these makes their files small and loses nothing.
 QImage withPalette(const QImage& picture) {
     constexpr int most = 256;
-    const QImage plain = picture.convertToFormat(QImage::Format_RGB32);
+    QImage plain = picture.convertToFormat(QImage::Format_RGB32);
     QVector<QRgb> colours;
     QSet<QRgb> seen;
     for (int y = 0; y < plain.height(); ++y)
