@@ -97,6 +97,9 @@ def _read_by_meshio(path, tags):
             mesh = meshio.read(path)
     except (Exception, SystemExit) as error:
         text = str(error) if isinstance(error, Exception) else said.getvalue()
+        if isinstance(error, ModuleNotFoundError):
+            name = error.name
+            raise MeshError(f"this format needs the Python module {name}, Debian's python3-{name}") from error
         reason = " ".join(text.split()) or type(error).__name__
         raise MeshError(f"is no mesh that meshio reads ({reason})") from error
     content = _Content(np.asarray(mesh.points, dtype=float))
@@ -192,6 +195,8 @@ def _cell_source(content, dimension):
         used = np.unique(np.concatenate([nodes.ravel() for nodes in cells.values()]))
         if used[0] < 0 or used[-1] >= len(points):
             raise MeshError("a cell names a point that the file does not hold")
+        if not np.isfinite(points[used]).all():
+            raise MeshError("a cell has a point whose coordinates are no numbers")
         points = points[:, _plane(points[used], notes)]
     return CellSource(points, cells, groups, notes)
 

@@ -273,6 +273,7 @@ def run(options):
 
 
 def main(arguments):
+    sys.stdout.reconfigure(errors="replace")  # zones may have names that the terminal cannot show
     options = parser().parse_args(arguments)
     named = options.output if options.command == "make" else options.input
     try:

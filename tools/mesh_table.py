@@ -280,10 +280,10 @@ def _note_groups(source, groups, run, cell_count, length, notes):
     for k, (name, _) in enumerate(source.groups):
         lone = int((cell_count[run[groups == k]] == 0).sum())
         if lone:
-            notes.append(f"{_faces(lone)} of {name} belong to no cell and were left out")
+            notes.append(f"{name}: {_faces(lone)} of no cell, left out")
     doubly = int(((cell_count == 1) & (length > 2)).sum())
     if doubly:
-        notes.append(f"{_faces(doubly)} lie in several groups and went to the first one")
+        notes.append(f"{_faces(doubly)} in several groups, given to the first")
 
 
 def _faces(count):
@@ -299,10 +299,10 @@ def _finished(table, is_wall):
     for k, name in enumerate(table.zone_names):
         count = int((inner & (table.zone == k)).sum())
         if count and is_wall[k]:
-            table.notes.append(f"{_faces(count)} of {name} lie between cells: a wall of two sides, {name} and "
-                               f"{name}-shadow")
+            sides = f"{name} and {name}-shadow"
+            table.notes.append(f"{name}: {_faces(count)} between cells, now a wall of two sides, {sides}")
         elif count:
-            table.notes.append(f"{_faces(count)} of {name} lie between cells and became interior faces")
+            table.notes.append(f"{name}: {_faces(count)} between cells, now interior faces")
     table.zone[inner & ~two_sided] = -1
     _split(table, np.flatnonzero(two_sided))
     swap = table.c1 > table.c0
