@@ -227,7 +227,10 @@ def read_fluent(data):
     if not reader.faces:
         raise MeshError("holds no faces, only what Fluent calls cells; write it with its faces")
     dimension = reader.dimension or reader.points[0][1].shape[1]
-    points = np.full((max(first - 1 + len(p) for first, p in reader.points), dimension), np.nan)
+    highest = max(first - 1 + len(p) for first, p in reader.points)
+    if highest > len(data):
+        raise MeshError(f"names point {highest}, and the file has no room for so many")
+    points = np.full((highest, dimension), np.nan)
     for first, own in reader.points:
         if first < 1 or own.shape[1] < dimension:
             raise MeshError("points with too few coordinates, or numbered from 0")

@@ -129,9 +129,13 @@ def table_from_faces(source, walls=()):
         raise MeshError(f"{int((c0 < 0).sum())} faces belong to no cell")
     if (c0 == c1).any():
         raise MeshError(f"{int((c0 == c1).sum())} faces have the same cell on both sides")
+    highest = int(max(c0.max(), c1.max()))
+    # Every cell has a face, and a face has two cells.
+    if highest >= 2 * len(c0):
+        raise MeshError(f"names cell {highest + 1}, and its {len(c0)} faces cannot have so many")
     notes = list(source.notes)
     # Numbers that no face has would be cells without faces.
-    used = np.zeros(int(max(c0.max(), c1.max())) + 1, dtype=bool)
+    used = np.zeros(highest + 1, dtype=bool)
     used[c0] = used[c1[c1 >= 0]] = True
     number = np.append(np.cumsum(used) - 1, -1)
     c0, c1 = number[c0], number[c1]

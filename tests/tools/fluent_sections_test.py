@@ -145,6 +145,15 @@ class Refusals(mesh_support.MeshTest):
         mesh.interior[0] = (500, *mesh.interior[0][1:])
         self.refuse(self.odd(mesh=mesh), "names a point that the file does not hold")
 
+    def test_numbers_too_high_for_the_file(self):
+        mesh = plane_mesh()
+        mesh.interior[0] = (*mesh.interior[0][:2], 10**9, 0)
+        self.refuse(self.odd(mesh=mesh), "names cell 1000000001, and its 130 faces cannot have so many")
+        self.refuse(self.odd(lambda data: data.replace(b"(10(1 1 26 ", b"(10(1 3fffffdb 40000000 ")), "names point 1073741824")
+
+    def test_coordinates_beyond_all_bounds_are_refused_in_one_line(self):
+        self.refuse(self.odd(lambda data: data.replace(b"0.25 0.0", b"1e300 0.0")), "cell")
+
     def test_refined_meshes(self):
         self.refuse(self.odd(lambda data: data + b"(59 (1 1 2 3 4)(\n2 1 2\n))\n"), r"refined mesh \(section 59\)")
 

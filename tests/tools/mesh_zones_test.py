@@ -35,6 +35,11 @@ class Names(unittest.TestCase):
 
         self.assertEqual(table_of(box(groups)).zone_names, ["left", "left-2", "bottom", "top"])
 
+    def test_round_boundaries_are_walls_though_one_side_touches_the_box(self):
+        ring = mesh_makers.ring(1.0, 2.0, 2, 6, False)
+        ring.groups = []
+        self.assertEqual(table_of(ring).zone_names, ["wall", "wall-2"])
+
     def test_more_zones_than_the_program_holds_are_refused(self):
         def groups(count):
             line = mesh_makers.rectangle(mesh_makers.even(count, 1.0), mesh_makers.even(2, 1.0), False)
