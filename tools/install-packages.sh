@@ -11,6 +11,9 @@ packages=(
     libgtest-dev     # GoogleTest, for the tests without windows
     libbenchmark-dev # Google Benchmark, for bench/
     python3          # the companions under tools/ and their tests
+    python3-numpy    # fluvane-mesh: faces of large meshes in little time
+    python3-meshio   # fluvane-mesh: reads most formats
+    python3-gmsh     # fluvane-mesh: reads Gmsh's format, makes free triangles
     xvfb             # a display for the tour where there is none
     xauth            # xvfb-run needs it
     fonts-liberation # a stand-in for Times New Roman
@@ -18,7 +21,6 @@ packages=(
 )
 companions=(
     gmsh             # makes and converts meshes
-    python3-gmsh     # the same from Python
 )
 if [[ "${1:-}" == "--tools" ]]; then
     packages+=("${companions[@]}")
