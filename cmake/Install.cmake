@@ -60,7 +60,9 @@ foreach(size IN ITEMS 16 22 24 32 48 64 128 256 512)
 endforeach()
 
 # The documents keep their places to one another, so that their links work.
-install(FILES README.md packaging/copyright DESTINATION ${doc_dir})
+file(GLOB documents CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/*.md)
+install(FILES ${documents} packaging/copyright DESTINATION ${doc_dir})
+install(FILES tools/README.md DESTINATION ${doc_dir}/tools OPTIONAL)
 install(DIRECTORY docs DESTINATION ${doc_dir})
 file(CREATE_LINK ../../fluvane/cases ${made}/cases SYMBOLIC)
 install(FILES ${made}/cases DESTINATION ${doc_dir})
