@@ -14,6 +14,10 @@ packages=(
     python3-numpy    # fluvane-mesh: faces of large meshes in little time
     python3-meshio   # fluvane-mesh: reads most formats
     python3-gmsh     # fluvane-mesh: reads Gmsh's format, makes free triangles
+    dpkg-dev         # dpkg-shlibdeps: what the package depends on
+    desktop-file-utils # checks the menu entry
+    appstream        # checks its description
+    mandoc           # checks the manual pages
     xvfb             # a display for the tour where there is none
     xauth            # xvfb-run needs it
     fonts-liberation # a stand-in for Times New Roman
