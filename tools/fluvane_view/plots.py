@@ -1,0 +1,133 @@
+"""Plots over a line through the mesh, over steps and over time."""
+
+import numpy
+
+from . import look as looks
+from .errors import ViewError
+from .interpolation import DESCRIPTION
+from .output import write_whole
+from .pictures import pyplot, save_figure
+from .plane_sheet import PlaneResult
+from .result_file import read_result
+from .run_files import label_of
+from .run_texts import means_of_moments, read_history, read_residuals
+from .solid import AXES, Solid
+
+
+def sample_line(path, names, ends_of, count, own_values):
+    """(result, places, distances, columns) of a line; ends_of(low, high) gives its two ends.
+
+    Places outside the mesh have the value nan. ViewError when all are.
+    """
+    result = read_result(path)
+    for name in names:
+        result.field(name)
+    mesh = PlaneResult(result) if result.dimension == 2 else Solid(result)
+    start, end = ends_of(*mesh.bounds())
+    if len(start) != result.dimension or len(end) != result.dimension:
+        raise ViewError(f"{path}: expected points of {result.dimension} coordinates, found {len(start)}")
+    if (start == end).all():
+        raise ViewError(f"{path}: expected two different ends of the line")
+    columns = mesh.on_line(names, start, end, count, own_values)
+    places = numpy.linspace(start, end, count)
+    distances = numpy.linalg.norm(places - start, axis=1)
+    inside = mesh.on_line([names[0]], start, end, count, True)[0]
+    if not numpy.isfinite(inside).any() and numpy.isfinite(result.field(names[0])).any():
+        low, high = mesh.bounds()
+        box = " to ".join(str(tuple(float(f"{x:g}") for x in corner)) for corner in (low, high))
+        raise ViewError(f"{path}: expected a line through the mesh, which lies in {box}, found one beside it")
+    return result, places, distances, columns
+
+
+def describe(own_values):
+    return "the value of the cell around each place" if own_values else DESCRIPTION
+
+
+def save_line_table(out, path, names, line, own_values):
+    """A CSV file; what the interpolation is stands in its first lines, behind a #."""
+    result, places, distances, columns = line
+    head = ["s", *AXES[: result.dimension], *names]
+    table = numpy.column_stack([distances, places, *columns])
+
+    def write(part):
+        with open(part, "w", encoding="utf-8", newline="\n") as file:
+            file.write(f"# {path}\n# interpolation: {describe(own_values)}; nan outside the mesh\n")
+            file.write(",".join(head) + "\n")
+            for row in table:
+                file.write(",".join(f"{value:.9g}" for value in row) + "\n")
+
+    write_whole(out, write)
+
+
+def save_line_plot(out, path, names, line, own_values, dpi):
+    result, places, distances, columns = line
+    varying = numpy.flatnonzero(places[0] != places[-1])
+    if len(varying) == 1:
+        along, over = AXES[varying[0]], places[:, varying[0]]
+        fixed = [f"{AXES[i]} = {places[0, i]:g}" for i in range(result.dimension) if i != varying[0]]
+        where = "along " + along + " at " + ", ".join(fixed)
+    else:
+        along, over = "distance along the line", distances
+        where = "from (" + ", ".join(f"{x:g}" for x in places[0]) + ") to (" + ", ".join(f"{x:g}" for x in places[-1]) + ")"
+    figure, axes = _plot_figure()
+    for name, values in zip(names, columns):
+        axes.plot(over, values, label=looks.label_of(name, result.dimension), drawstyle="default", linewidth=1.5)
+    axes.set_xlabel(along)
+    if len(names) == 1:
+        axes.set_ylabel(looks.label_of(names[0], result.dimension))
+    else:
+        axes.legend()
+    parameters = ", ".join(text for text in (looks.parameter_text(result.parameters), label_of(path)) if text)
+    figure.suptitle(f"{result.path.stem}, {where}" + ("\n" + parameters if parameters else ""), fontsize=11)
+    figure.text(0.99, 0.005, describe(own_values), ha="right", va="bottom", fontsize=6, color="0.4")
+    save_figure(figure, out, dpi)
+
+
+def _plot_figure():
+    figure = pyplot.figure(figsize=(7.2, 4.8))
+    axes = figure.add_subplot()
+    figure.subplots_adjust(left=0.12, right=0.97, bottom=0.13, top=0.88)
+    axes.grid(True, color="0.88", linewidth=0.6)
+    axes.set_axisbelow(True)
+    return figure, axes
+
+
+def save_residuals(path, out, dpi):
+    """Both residuals over the steps; a residual of 0, of what is switched off, has no place on the scale."""
+    table = read_residuals(path)
+    figure, axes = _plot_figure()
+    # Where the steps start anew another run begins.
+    new_run = numpy.flatnonzero(numpy.diff(table[:, 0]) < 0) + 1
+    table = numpy.insert(table, new_run, numpy.nan, axis=0)
+    drawn = 0
+    for column, name in ((1, "error_u"), (2, "error_T")):
+        values = numpy.where(numpy.isfinite(table[:, column]) & (table[:, column] > 0.0), table[:, column], numpy.nan)
+        if numpy.isfinite(values).any():
+            axes.semilogy(table[:, 0], values, marker="o", markersize=3, linewidth=1.3, label=name, color=f"C{drawn}")
+            drawn += 1
+    if not drawn:
+        raise ViewError(f"{path}: expected a residual above 0, found none")
+    axes.set_xlabel("time steps")
+    axes.set_ylabel("residual")
+    axes.legend()
+    figure.suptitle(f"{path.stem}: change since the step before", fontsize=11)
+    save_figure(figure, out, dpi)
+
+
+_MEANS = {"_fl": "mean liquid fraction", "_Tave": "mean temperature"}
+
+
+def save_history(paths, out, dpi, area):
+    """Histories over the Fourier number, each below the other; with an area the means of the moments."""
+    figure = pyplot.figure(figsize=(7.2, 1.2 + 3.4 * len(paths)), layout="constrained")
+    for i, path in enumerate(paths):
+        table = read_history(path)
+        values = means_of_moments(table[:, 1], area) if area else table[:, 1]
+        axes = figure.add_subplot(len(paths), 1, i + 1)
+        axes.plot(table[:, 0], values, linewidth=1.5, color=f"C{i}", marker="o" if len(table) < 30 else "", markersize=3)
+        axes.grid(True, color="0.88", linewidth=0.6)
+        name = next((text for ending, text in _MEANS.items() if path.stem.endswith(ending)), "value")
+        axes.set_ylabel(name if area else name + ",\naccumulated as written")
+        axes.set_title(path.stem, fontsize=10)
+        axes.set_xlabel("Fourier number")
+    save_figure(figure, out, dpi)
