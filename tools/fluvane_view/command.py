@@ -62,7 +62,7 @@ example:
     "history": """\
 examples:
   fluvane-view history melt_fl.txt melt_Tave.txt         melt_fl.png with both
-  fluvane-view history melt_fl.txt --moments             with the accumulation of the file undone
+  fluvane-view history melt_fl.txt --as-written          without undoing the accumulation of the file
 """,
     "vtu": """\
 examples:
@@ -162,7 +162,11 @@ def make_parser():
     _add_line(command("line", "Values along a line, as a plot and as CSV."))
     residuals = command("residuals", "A plot of the residuals in a text saved from the terminal.")
     history = command("history", "A plot of the histories of a transient run.")
-    history.add_argument("--moments", action="store_true", help="undo the accumulation; needs a result file of the run")
+    history.add_argument(
+        "--as-written", action="store_true",
+        help="the accumulated figures of the file; default: the means of the moments, when a result file of the run "
+        "beside the history gives the area",
+    )
     for sub in (residuals, history):
         _add_dpi(sub)
         _add_output(sub, "picture, or a folder; default: beside the (first) file")
@@ -276,14 +280,14 @@ def _residuals(a):
 def _history(a):
     from .plots import save_history
 
-    area = _area_of_run(a.files[0]) if a.moments else None
+    area = None if a.as_written else _area_of_run(a.files[0])
     out = target(a.files[:1], a.files[0], ".png", a.out)
     save_history(a.files, out, a.dpi, area)
     _say(out)
 
 
 def _area_of_run(history):
-    """The mesh's area from a result file of the history's run."""
+    """The mesh's area from a result file of the history's run; None when there is none beside it."""
     base = history.stem.rpartition("_")[0]
     files = sorted(history.parent.glob(f"{base}_*.dat")) if base else []
     for path in files:
@@ -293,7 +297,7 @@ def _area_of_run(history):
             p, q = c - a, d - b
             # Half the cross product of the diagonals; of a triangle a b c a those are its sides a c and b a.
             return float(numpy.abs(p[:, 0] * q[:, 1] - p[:, 1] * q[:, 0]).sum() / 2.0)
-    raise ViewError(f"{history}: expected a result file {base}_….dat beside it for --moments, found none")
+    return None
 
 
 def _vtu(a):

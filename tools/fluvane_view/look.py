@@ -76,7 +76,7 @@ def label_of(name, dimension):
 def colours_of(look):
     if look.colours:
         return look.colours
-    names = {"T": "inferno", "speed": "viridis", "fl": "Blues", "u": "RdBu_r", "v": "RdBu_r", "w": "RdBu_r"}
+    names = {"T": "RdYlBu_r", "speed": "viridis", "fl": "Blues", "u": "RdBu_r", "v": "RdBu_r", "w": "RdBu_r"}
     return names.get(look.show, "cividis")
 
 

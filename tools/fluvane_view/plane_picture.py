@@ -78,7 +78,10 @@ def _draw_filled(axes, sheet, look, limits):
     triangulation = _triangulation(sheet, values)
     if triangulation is not None:
         shown = numpy.clip(numpy.nan_to_num(values), low, high)
-        axes.tricontourf(triangulation, shown, levels=numpy.linspace(low, high, look.levels + 1), cmap=colours, norm=scale)
+        levels = numpy.linspace(low, high, look.levels + 1)
+        # What lies just on the highest level would be left white.
+        levels[-1] += 1e-6 * (high - low)
+        axes.tricontourf(triangulation, shown, levels=levels, cmap=colours, norm=scale)
     return matplotlib.cm.ScalarMappable(norm=scale, cmap=colours)
 
 
@@ -148,12 +151,12 @@ def _draw_vectors(axes, sheet, look, low, high):
         return
     x, y = numpy.meshgrid(xs, ys)
     inside = numpy.isfinite(u) & numpy.isfinite(v)
-    # The longest arrow is two and a half boxes long; the slow ones stay visible as short strokes.
+    # The longest arrow is three boxes long; the slow ones stay visible as short strokes.
     box = max(xs[1] - xs[0], ys[1] - ys[0])
     longest = numpy.hypot(u[inside], v[inside]).max()
     axes.quiver(
-        x[inside], y[inside], u[inside], v[inside], angles="xy", scale_units="xy", scale=longest / (2.5 * box),
-        color=_ink(look), width=0.0022, headwidth=4, headlength=5, minlength=0.3, zorder=3,
+        x[inside], y[inside], u[inside], v[inside], angles="xy", scale_units="xy", scale=longest / (3.0 * box),
+        color=_ink(look), width=0.0022, headwidth=3.2, headlength=4.2, minlength=0.3, zorder=3,
     )
 
 

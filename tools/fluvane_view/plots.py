@@ -71,7 +71,7 @@ def save_line_plot(out, path, names, line, own_values, dpi):
         where = "from (" + ", ".join(f"{x:g}" for x in places[0]) + ") to (" + ", ".join(f"{x:g}" for x in places[-1]) + ")"
     figure, axes = _plot_figure()
     for name, values in zip(names, columns):
-        axes.plot(over, values, label=looks.label_of(name, result.dimension), drawstyle="default", linewidth=1.5)
+        axes.plot(over, values, label=looks.label_of(name, result.dimension), linewidth=1.5)
     axes.set_xlabel(along)
     if len(names) == 1:
         axes.set_ylabel(looks.label_of(names[0], result.dimension))
@@ -92,21 +92,34 @@ def _plot_figure():
     return figure, axes
 
 
+_FAR = 1000.0
+
+
 def save_residuals(path, out, dpi):
     """Both residuals over the steps; a residual of 0, of what is switched off, has no place on the scale."""
     table = read_residuals(path)
     figure, axes = _plot_figure()
     # Where the steps start anew another run begins.
     new_run = numpy.flatnonzero(numpy.diff(table[:, 0]) < 0) + 1
-    table = numpy.insert(table, new_run, numpy.nan, axis=0)
+    first = numpy.concatenate([[0], new_run])
+    beyond = False
     drawn = 0
     for column, name in ((1, "error_u"), (2, "error_T")):
         values = numpy.where(numpy.isfinite(table[:, column]) & (table[:, column] > 0.0), table[:, column], numpy.nan)
+        # Of a field that was 0 before the first step the change is divided by next to nothing.
+        far = first[values[first] > _FAR]
+        if len(far) < numpy.isfinite(values).sum():
+            values[far] = numpy.nan
+            beyond |= bool(len(far))
         if numpy.isfinite(values).any():
-            axes.semilogy(table[:, 0], values, marker="o", markersize=3, linewidth=1.3, label=name, color=f"C{drawn}")
+            steps, values = (numpy.insert(column, new_run, numpy.nan) for column in (table[:, 0], values))
+            axes.semilogy(steps, values, marker="o", markersize=3, linewidth=1.3, label=name, color=f"C{drawn}")
             drawn += 1
     if not drawn:
         raise ViewError(f"{path}: expected a residual above 0, found none")
+    if beyond:
+        note = f"not shown: first lines above {_FAR:g}, of fields that started from 0"
+        figure.text(0.99, 0.005, note, ha="right", va="bottom", fontsize=6, color="0.4")
     axes.set_xlabel("time steps")
     axes.set_ylabel("residual")
     axes.legend()

@@ -55,8 +55,8 @@ def _number(path, line, word):
 def means_of_moments(accumulated, area):
     """The area-weighted mean of each moment from the accumulated figures of a history.
 
-    Line k holds F_k = (F_(k-1) + the area integral of its moment) / (k times the area), with F_0 = 0. The figures
-    have six digits, so the means lose one with every tenfold number of lines.
+    Line k holds F_k = (F_(k-1) + the area integral of its moment) / (k times the area), with F_0 = 0. The means have
+    the six digits of the figures, and fewer on areas far below 1.
     """
     k = numpy.arange(1, len(accumulated) + 1)
     before = numpy.concatenate([[0.0], accumulated[:-1]])

@@ -2,6 +2,7 @@
 
 import matplotlib
 import numpy
+from matplotlib import ticker
 from mpl_toolkits.mplot3d import art3d
 
 from .look import colours_of
@@ -24,8 +25,10 @@ def draw_boundary(axes, solid, look, limits):
     for name, a, b in zip(AXES, low, high):
         getattr(axes, f"set_{name}lim")(a, b)
         getattr(axes, f"set_{name}label")(name)
+        getattr(axes, f"{name}axis").set_major_locator(ticker.MaxNLocator(4))
+    axes.tick_params(labelsize=8, pad=1)
     # The box's sides as long as the mesh's; a sliver keeps some width.
-    axes.set_box_aspect(numpy.maximum(high - low, 0.05 * (high - low).max()))
+    axes.set_box_aspect(numpy.maximum(high - low, 0.05 * (high - low).max()), zoom=0.95)
     return mapped
 
 
