@@ -1,5 +1,6 @@
 """Files for other viewers: VTU with a time series over them, and a Tecplot layout that they read right."""
 
+import base64
 import re
 from xml.sax.saxutils import quoteattr
 
@@ -47,25 +48,20 @@ def _corners(result):
     return connectivity, numpy.cumsum(count), kinds
 
 
-class _Appended:
-    """DataArray elements whose numbers stand behind each other at the end of the file."""
+_TYPES = {"f8": "Float64", "i8": "Int64", "u1": "UInt8"}
 
-    _TYPES = {"f8": "Float64", "i8": "Int64", "u1": "UInt8"}
 
-    def __init__(self):
-        self.blocks = []
-        self._size = 0
+def _element(name, values, kind, extra=""):
+    """A DataArray element with its numbers in base 64, behind their size in bytes.
 
-    def element(self, name, values, kind, extra=""):
-        values = numpy.ascontiguousarray(values, "<" + kind)
-        components = f' NumberOfComponents="{values.shape[1]}"' if values.ndim == 2 else ""
-        text = (
-            f'<DataArray type="{self._TYPES[kind]}" Name={quoteattr(name)}{components}{extra} '
-            f'format="appended" offset="{self._size}"/>\n'
-        )
-        self.blocks += [numpy.array([values.nbytes], "<u8").tobytes(), values.tobytes()]
-        self._size += 8 + values.nbytes
-        return text
+    Not in one raw block at the end of the file, which is shorter: meshio takes arrays of small files for each other
+    there.
+    """
+    values = numpy.ascontiguousarray(values, "<" + kind)
+    components = f' NumberOfComponents="{values.shape[1]}"' if values.ndim == 2 else ""
+    numbers = base64.b64encode(numpy.array(values.nbytes, "<u8").tobytes() + values.tobytes()).decode("ascii")
+    attributes = f'type="{_TYPES[kind]}" Name={quoteattr(name)}{components}{extra} format="binary"'
+    return f"<DataArray {attributes}>\n{numbers}\n</DataArray>\n"
 
 
 def _three_components(values):
@@ -74,26 +70,25 @@ def _three_components(values):
 
 def vtu_bytes(result, time=None):
     """An unstructured grid in double precision: the fields, the velocity as a vector, parameters as field data."""
-    data = _Appended()
     single = ' NumberOfTuples="1"'
     facts = dict(result.parameters) if time is None else {"TimeValue": time, **result.parameters}
-    field_data = "".join(data.element(name, [value], "f8", single) for name, value in facts.items())
-    cell_data = "".join(data.element(name, values, "f8") for name, values in result.fields.items())
+    field_data = "".join(_element(name, [value], "f8", single) for name, value in facts.items())
+    cell_data = "".join(_element(name, values, "f8") for name, values in result.fields.items())
     if result.velocity() is not None:
-        cell_data += data.element("velocity", _three_components(result.velocity()), "f8")
-    points = data.element("Points", _three_components(result.points), "f8")
+        cell_data += _element("velocity", _three_components(result.velocity()), "f8")
+    points = _element("Points", _three_components(result.points), "f8")
     connectivity, ends, kinds = _corners(result)
-    cells = data.element("connectivity", connectivity, "i8") + data.element("offsets", ends, "i8")
-    cells += data.element("types", kinds, "u1")
-    head = (
+    cells = _element("connectivity", connectivity, "i8") + _element("offsets", ends, "i8")
+    cells += _element("types", kinds, "u1")
+    text = (
         '<?xml version="1.0"?>\n'
         '<VTKFile type="UnstructuredGrid" version="1.0" byte_order="LittleEndian" header_type="UInt64">\n'
         f"<UnstructuredGrid>\n<FieldData>\n{field_data}</FieldData>\n"
         f'<Piece NumberOfPoints="{len(result.points)}" NumberOfCells="{len(result.cells)}">\n'
         f"<PointData/>\n<CellData>\n{cell_data}</CellData>\n<Points>\n{points}</Points>\n<Cells>\n{cells}</Cells>\n"
-        '</Piece>\n</UnstructuredGrid>\n<AppendedData encoding="raw">\n_'
+        "</Piece>\n</UnstructuredGrid>\n</VTKFile>\n"
     )
-    return head.encode("utf-8") + b"".join(data.blocks) + b"\n</AppendedData>\n</VTKFile>\n"
+    return text.encode("utf-8")
 
 
 def save_vtu(result, out, time=None):

@@ -4,10 +4,11 @@ import dataclasses
 
 import matplotlib
 import numpy
+from PIL import Image
 
 matplotlib.use("Agg")
 
-from matplotlib import animation, pyplot  # noqa: E402  (after the choice of a backend without a display)
+from matplotlib import pyplot  # noqa: E402  (after the choice of a backend without a display)
 
 from . import look as looks  # noqa: E402
 from .errors import ViewError  # noqa: E402
@@ -167,15 +168,14 @@ def save_animation(moments, out, look, view, per_second):
 
 
 def _write_frames(part, scene, moments, limits, per_second):
-    writer, size = animation.PillowWriter(fps=per_second), None
+    frames = []
     for moment in moments:
         scene.load(moment.path)
         figure = scene.draw(moment.label, limits)
-        if size is None:
-            size = figure.get_size_inches()
-            writer.setup(figure, part, dpi=scene.look.dpi)
-        figure.set_size_inches(size)
-        writer.fig = figure
-        writer.grab_frame()
+        figure.set_dpi(scene.look.dpi)
+        figure.canvas.draw()
+        frame = Image.fromarray(numpy.asarray(figure.canvas.buffer_rgba())).convert("RGB")
         pyplot.close(figure)
-    writer.finish()
+        # A palette made for the frame: the format's 256 colours hold a colour map well enough.
+        frames.append(frame.quantize(256, dither=Image.Dither.NONE))
+    frames[0].save(part, save_all=True, append_images=frames[1:], duration=round(1000 / per_second), loop=0)
