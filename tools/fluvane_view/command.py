@@ -258,12 +258,11 @@ def _line(a):
 
     ends = _line_ends(a)
     for path in a.files:
-        names = a.show or [name for name in ("u", "v", "w", "T") if name in read_result(path).fields]
         out = target(a.files, path, "_line.png", a.out)
         plot, table = (out.with_suffix(".png"), out) if out.suffix == ".csv" else (out, out.with_suffix(".csv"))
-        line = sample_line(path, names, ends, a.count, a.own_values)
-        save_line_table(table, path, names, line, a.own_values)
-        save_line_plot(plot, path, names, line, a.own_values, a.dpi)
+        line = sample_line(path, a.show, ends, a.count, a.own_values)
+        save_line_table(table, line)
+        save_line_plot(plot, line, a.dpi)
         _say(table)
         _say(plot)
 

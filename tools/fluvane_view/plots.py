@@ -1,5 +1,7 @@
 """Plots over a line through the mesh, over steps and over time."""
 
+import dataclasses
+
 import numpy
 
 from . import look as looks
@@ -8,20 +10,37 @@ from .interpolation import DESCRIPTION
 from .output import write_whole
 from .pictures import pyplot, save_figure
 from .plane_sheet import PlaneResult
-from .result_file import read_result
+from .result_file import Result, read_result
 from .run_files import label_of
 from .run_texts import means_of_moments, read_history, read_residuals
 from .solid import AXES, Solid
 
 
+@dataclasses.dataclass
+class Line:
+    """Values at evenly spaced places from one point to another."""
+
+    result: Result
+    names: list
+    places: numpy.ndarray  # (places, 2 or 3)
+    columns: list  # one array a name; nan outside the mesh
+    own_values: bool  # of the cell around each place, without interpolation
+
+    def distances(self):
+        return numpy.linalg.norm(self.places - self.places[0], axis=1)
+
+    def interpolation(self):
+        return "the value of the cell around each place" if self.own_values else DESCRIPTION
+
+
 def sample_line(path, names, ends_of, count, own_values):
-    """(result, places, distances, columns) of a line; ends_of(low, high) gives its two ends.
+    """The Line through a result; ends_of(low, high) gives its two ends. Without names: the velocity and T.
 
     Places outside the mesh have the value nan. ViewError when all are.
     """
     result = read_result(path)
-    for name in names:
-        result.field(name)
+    names = names or [name for name in ("u", "v", "w", "T") if name in result.fields] or list(result.fields)
+    finite = [numpy.isfinite(result.field(name)).any() for name in names]
     mesh = PlaneResult(result) if result.dimension == 2 else Solid(result)
     start, end = ends_of(*mesh.bounds())
     if len(start) != result.dimension or len(end) != result.dimension:
@@ -30,28 +49,21 @@ def sample_line(path, names, ends_of, count, own_values):
         raise ViewError(f"{path}: expected two different ends of the line")
     columns = mesh.on_line(names, start, end, count, own_values)
     places = numpy.linspace(start, end, count)
-    distances = numpy.linalg.norm(places - start, axis=1)
-    inside = mesh.on_line([names[0]], start, end, count, True)[0]
-    if not numpy.isfinite(inside).any() and numpy.isfinite(result.field(names[0])).any():
+    if any(finite) and not any(numpy.isfinite(column).any() for column in columns):
         low, high = mesh.bounds()
         box = " to ".join(str(tuple(float(f"{x:g}") for x in corner)) for corner in (low, high))
         raise ViewError(f"{path}: expected a line through the mesh, which lies in {box}, found one beside it")
-    return result, places, distances, columns
+    return Line(result, names, places, columns, own_values)
 
 
-def describe(own_values):
-    return "the value of the cell around each place" if own_values else DESCRIPTION
-
-
-def save_line_table(out, path, names, line, own_values):
+def save_line_table(out, line):
     """A CSV file; what the interpolation is stands in its first lines, behind a #."""
-    result, places, distances, columns = line
-    head = ["s", *AXES[: result.dimension], *names]
-    table = numpy.column_stack([distances, places, *columns])
+    head = ["s", *AXES[: line.result.dimension], *line.names]
+    table = numpy.column_stack([line.distances(), line.places, *line.columns])
 
     def write(part):
         with open(part, "w", encoding="utf-8", newline="\n") as file:
-            file.write(f"# {path}\n# interpolation: {describe(own_values)}; nan outside the mesh\n")
+            file.write(f"# {line.result.path}\n# interpolation: {line.interpolation()}; nan outside the mesh\n")
             file.write(",".join(head) + "\n")
             for row in table:
                 file.write(",".join(f"{value:.9g}" for value in row) + "\n")
@@ -59,27 +71,27 @@ def save_line_table(out, path, names, line, own_values):
     write_whole(out, write)
 
 
-def save_line_plot(out, path, names, line, own_values, dpi):
-    result, places, distances, columns = line
+def save_line_plot(out, line, dpi):
+    result, places = line.result, line.places
     varying = numpy.flatnonzero(places[0] != places[-1])
     if len(varying) == 1:
         along, over = AXES[varying[0]], places[:, varying[0]]
         fixed = [f"{AXES[i]} = {places[0, i]:g}" for i in range(result.dimension) if i != varying[0]]
         where = "along " + along + " at " + ", ".join(fixed)
     else:
-        along, over = "distance along the line", distances
-        where = "from (" + ", ".join(f"{x:g}" for x in places[0]) + ") to (" + ", ".join(f"{x:g}" for x in places[-1]) + ")"
+        along, over = "distance along the line", line.distances()
+        where = "from ({}) to ({})".format(*(", ".join(f"{x:g}" for x in end) for end in (places[0], places[-1])))
     figure, axes = _plot_figure()
-    for name, values in zip(names, columns):
+    for name, values in zip(line.names, line.columns):
         axes.plot(over, values, label=looks.label_of(name, result.dimension), linewidth=1.5)
     axes.set_xlabel(along)
-    if len(names) == 1:
-        axes.set_ylabel(looks.label_of(names[0], result.dimension))
+    if len(line.names) == 1:
+        axes.set_ylabel(looks.label_of(line.names[0], result.dimension))
     else:
         axes.legend()
-    parameters = ", ".join(text for text in (looks.parameter_text(result.parameters), label_of(path)) if text)
+    parameters = ", ".join(text for text in (looks.parameter_text(result.parameters), label_of(result.path)) if text)
     figure.suptitle(f"{result.path.stem}, {where}" + ("\n" + parameters if parameters else ""), fontsize=11)
-    figure.text(0.99, 0.005, describe(own_values), ha="right", va="bottom", fontsize=6, color="0.4")
+    figure.text(0.99, 0.005, line.interpolation(), ha="right", va="bottom", fontsize=6, color="0.4")
     save_figure(figure, out, dpi)
 
 

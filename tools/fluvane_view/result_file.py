@@ -159,7 +159,7 @@ def _parse_numbers(path, header, body):
     with warnings.catch_warnings(record=True) as complaints:
         warnings.simplefilter("always")
         try:
-            numbers = numpy.fromstring(body, sep=" ") if body.strip() else numpy.empty(0)
+            numbers = numpy.empty(0) if body.isspace() or not body else numpy.fromstring(body, sep=" ")
         except ValueError:  # what later versions do instead of the warning
             numbers = numpy.empty(0)
     if len(numbers) == expected and not complaints:
