@@ -36,7 +36,9 @@ class CommandLine(unittest.TestCase):
         (folder / "link").symlink_to(view_data.SCRIPT)
         done = subprocess.run([folder / "link", "vtu", "none.dat"], cwd=folder, capture_output=True, text=True)
         self.assertEqual((done.returncode, done.stdout), (1, ""))
-        self.assertEqual(done.stderr, "fluvane-view: none.dat: expected a file that can be read, found: No such file or directory\n")
+        self.assertEqual(
+            done.stderr, "fluvane-view: none.dat: expected a file that can be read, found: No such file or directory\n"
+        )
 
     def test_files_for_other_viewers_need_no_plotting_package(self):
         folder = view_data.folder_with(self, "mixed_600.dat")
@@ -44,14 +46,29 @@ class CommandLine(unittest.TestCase):
         environment = {**os.environ, "PYTHONPATH": str(folder)}
         for arguments, code in ((["vtu"], 0), (["tecplot"], 0), (["info"], 0), (["picture"], 1)):
             done = subprocess.run(
-                [view_data.SCRIPT, *arguments, "mixed_600.dat"], cwd=folder, env=environment, capture_output=True, text=True
+                [view_data.SCRIPT, *arguments, "mixed_600.dat"],
+                cwd=folder,
+                env=environment,
+                capture_output=True,
+                text=True,
             )
             self.assertEqual(done.returncode, code, done.stderr)
         self.assertEqual(done.stderr, "fluvane-view: no plots here; expected Debian's package python3-matplotlib\n")
 
     def test_combinations_are_drawn(self):
         folder = view_data.folder_with(self, "melt_0.677596.dat", "cube_60.dat")
-        plane = ["--show", "fl", "--style", "cells", "--vectors", "--streamlines", "--mesh", "--front", "--isolines", "T"]
+        plane = [
+            "--show",
+            "fl",
+            "--style",
+            "cells",
+            "--vectors",
+            "--streamlines",
+            "--mesh",
+            "--front",
+            "--isolines",
+            "T",
+        ]
         self.made(folder, "picture", "melt_0.677596.dat", *plane, "--zoom", "0", "0.2", "0.5", "1", "-o", "a.png")
         self.made(folder, "picture", "melt_0.677596.dat", "--style", "none", "--mesh", "-o", "b.pdf")
         self.made(folder, "picture", "cube_60.dat", "--slice", "x=0.3", "--streamlines", "--vectors", "-o", "c.svg")
@@ -74,7 +91,9 @@ class CommandLine(unittest.TestCase):
 
     def test_line_gives_a_plot_and_a_table_that_says_how_it_was_made(self):
         folder = view_data.folder_with(self, "mixed_600.dat")
-        made = self.made(folder, "line", "mixed_600.dat", "--along", "x", "--through", "0", "0.25", "--show", "T", "--count", "11")
+        made = self.made(
+            folder, "line", "mixed_600.dat", "--along", "x", "--through", "0", "0.25", "--show", "T", "--count", "11"
+        )
         self.assertEqual(made, ["mixed_600_line.csv", "mixed_600_line.png"])
         text = (folder / made[0]).read_text()
         self.assertIn("linear between cell centres and node means", text)
@@ -127,7 +146,9 @@ class Refusals(unittest.TestCase):
         self.assertEqual({name: (folder / name).stat().st_mtime_ns for name in os.listdir(folder)}, before)
 
     def test_what_cannot_be_done_is_said_in_one_line_and_leaves_no_file(self):
-        folder = view_data.folder_with(self, "mixed_0.dat", "mixed_600.dat", "cube_60.dat", "mixed_terminal.txt", "melt_fl.txt")
+        folder = view_data.folder_with(
+            self, "mixed_0.dat", "mixed_600.dat", "cube_60.dat", "mixed_terminal.txt", "melt_fl.txt"
+        )
         lines = (folder / "mixed_600.dat").read_bytes().split(b"\r\n")
         lines[299] = b"warm"
         (folder / "bad_0.dat").write_bytes(b"\r\n".join(lines))

@@ -66,8 +66,18 @@ class Vtu(Exports):
         grid = read_vtu(self.converted("vtu", "mixed_600.dat", ".vtu"))
         facts = {key: values.tolist() for key, values in arrays_of(grid.GetFieldData()).items()}
         expected = {
-            "Isflow": 1, "Isheat": 1, "Isnatural": 1, "Ra": 10000, "Re": 0, "Pr": 0.71, "dx": 0.153498, "CFL": 0.2,
-            "dt": 0.0483394, "niu": 0.000486484, "alpha": 0.000685189, "error": 1.01365,
+            "Isflow": 1,
+            "Isheat": 1,
+            "Isnatural": 1,
+            "Ra": 10000,
+            "Re": 0,
+            "Pr": 0.71,
+            "dx": 0.153498,
+            "CFL": 0.2,
+            "dt": 0.0483394,
+            "niu": 0.000486484,
+            "alpha": 0.000685189,
+            "error": 1.01365,
         }
         self.assertEqual(facts, {"TimeValue": [600.0], **{key: [value] for key, value in expected.items()}})
 

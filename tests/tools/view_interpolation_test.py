@@ -154,7 +154,9 @@ class Space(unittest.TestCase):
 
     def test_line_has_the_cells_own_value_at_a_centre_and_reaches_both_walls(self):
         centre = self.solid.centres[7]
-        values = self.solid.on_line(["T"], centre * [0.0, 1.0, 1.0], centre * [0.0, 1.0, 1.0] + [2.0, 0.0, 0.0], 1601)[0]
+        values = self.solid.on_line(["T"], centre * [0.0, 1.0, 1.0], centre * [0.0, 1.0, 1.0] + [2.0, 0.0, 0.0], 1601)[
+            0
+        ]
         self.assertTrue(numpy.isfinite(values).all())
         self.assertAlmostEqual(values[round(centre[0] * 800)], self.solid.cell_values("T")[7], delta=1e-3)
         self.assertLess(numpy.abs(numpy.diff(values)).max(), 5e-3)

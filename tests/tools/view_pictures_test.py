@@ -97,8 +97,12 @@ class Layers(unittest.TestCase):
         with_front = self.draw(Look(show="T", front=True)).axes[0].collections
         without = self.draw(Look(show="T")).axes[0].collections
         self.assertEqual(len(with_front), len(without) + 1)
-        front = [c for c in with_front if numpy.allclose(c.get_edgecolor()[:, :3], matplotlib.colors.to_rgb("cyan"))
-                 if len(c.get_edgecolor())]
+        front = [
+            c
+            for c in with_front
+            if numpy.allclose(c.get_edgecolor()[:, :3], matplotlib.colors.to_rgb("cyan"))
+            if len(c.get_edgecolor())
+        ]
         x, y = numpy.concatenate([path.vertices for path in front[0].get_paths()]).T
         points, cells, fields = view_data.plain_reading(view_data.DATA / "melt_0.677596.dat")
         places = numpy.array([numpy.mean([points[i] for i in cell], axis=0) for cell in cells])
@@ -147,8 +151,9 @@ class Choices(unittest.TestCase):
         self.assertFalse(completed(Look(), read_result(view_data.DATA / "mixed_600.dat")).front)
 
     def test_parameters_in_the_title_are_those_that_count(self):
-        self.assertEqual(parameter_text({"Isnatural": 1.0, "Isflow": 1.0, "Ra": 1e4, "Pr": 0.71, "Re": 5.0}),
-                         "Ra = 10000, Pr = 0.71")
+        self.assertEqual(
+            parameter_text({"Isnatural": 1.0, "Isflow": 1.0, "Ra": 1e4, "Pr": 0.71, "Re": 5.0}), "Ra = 10000, Pr = 0.71"
+        )
         self.assertEqual(parameter_text({"Isflow": 1.0, "Isheat": 0.0, "Re": 100.0, "Pr": 1.0, "Ra": 0.0}), "Re = 100")
         self.assertEqual(parameter_text({"Isflow": 0.0, "Isheat": 1.0, "alpha": 0.003}), "alpha = 0.003")
         self.assertEqual(parameter_text({}), "")
@@ -158,7 +163,9 @@ class Animation(unittest.TestCase):
     def test_frames_are_in_order_of_time_of_one_size_and_pace(self):
         names = ("melt_0.677596.dat", "melt_0.dat", "melt_0.271039.dat")
         folder = view_data.folder_with(self, *names)
-        done = view_data.run("animate", folder / names[0], "--show", "fl", "--style", "cells", "--per-second", 4, "--dpi", 60)
+        done = view_data.run(
+            "animate", folder / names[0], "--show", "fl", "--style", "cells", "--per-second", 4, "--dpi", 60
+        )
         self.assertEqual((done.returncode, done.stderr, done.stdout), (0, "", f"{folder / 'melt.gif'}\n"))
         blue = []
         with Image.open(folder / "melt.gif") as gif:

@@ -17,7 +17,9 @@ class Reading(unittest.TestCase):
             result = read_result(view_data.DATA / name)
             points, cells, fields = view_data.plain_reading(view_data.DATA / name)
             self.assertEqual(result.points.tolist(), [list(point) for point in points])
-            corners = [row[:3] if triangle else row for row, triangle in zip(result.cells.tolist(), result.is_triangle())]
+            corners = [
+                row[:3] if triangle else row for row, triangle in zip(result.cells.tolist(), result.is_triangle())
+            ]
             self.assertEqual(corners, cells)
             self.assertEqual({key: values.tolist() for key, values in result.fields.items()}, fields)
 

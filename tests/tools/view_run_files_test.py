@@ -61,7 +61,7 @@ class Texts(unittest.TestCase):
 
     def test_torn_residual_line_is_named(self):
         path = self.write("x\nTime Steps=3   error_u=0.1\n")
-        with self.assertRaisesRegex(ViewError, f"{path}:2: expected \"Time Steps=N"):
+        with self.assertRaisesRegex(ViewError, f'{path}:2: expected "Time Steps=N'):
             read_residuals(path)
 
     def test_text_without_residuals_is_refused(self):

@@ -146,7 +146,10 @@ def make_parser():
 
     def command(name, text, files="+"):
         sub = commands.add_parser(
-            name, help=text, description=text, epilog=_EXAMPLES[name],
+            name,
+            help=text,
+            description=text,
+            epilog=_EXAMPLES[name],
             formatter_class=argparse.RawDescriptionHelpFormatter,
         )
         sub.add_argument("files", nargs=files, type=pathlib.Path, metavar="FILE")
@@ -163,7 +166,8 @@ def make_parser():
     residuals = command("residuals", "A plot of the residuals in a text saved from the terminal.")
     history = command("history", "A plot of the histories of a transient run.")
     history.add_argument(
-        "--as-written", action="store_true",
+        "--as-written",
+        action="store_true",
         help="the accumulated figures of the file; default: the means of the moments, when a result file of the run "
         "beside the history gives the area",
     )
@@ -202,9 +206,20 @@ def _look(arguments):
     if a.zoom and not (a.zoom[0] < a.zoom[2] and a.zoom[1] < a.zoom[3]):
         raise ViewError("expected --zoom X0 Y0 X1 Y1 with X0 below X1 and Y0 below Y1")
     return Look(
-        show=a.show, style=a.style, levels=a.levels, range=tuple(a.range) if a.range else None, isolines=a.isolines,
-        isoline_count=a.isoline_count, vectors=a.vectors, streamlines=a.streamlines, mesh=a.mesh, front=a.front,
-        colours=a.colours, zoom=a.zoom, title=a.title, dpi=a.dpi,
+        show=a.show,
+        style=a.style,
+        levels=a.levels,
+        range=tuple(a.range) if a.range else None,
+        isolines=a.isolines,
+        isoline_count=a.isoline_count,
+        vectors=a.vectors,
+        streamlines=a.streamlines,
+        mesh=a.mesh,
+        front=a.front,
+        colours=a.colours,
+        zoom=a.zoom,
+        title=a.title,
+        dpi=a.dpi,
     )
 
 
@@ -336,7 +351,11 @@ def _info(a):
         result = read_result(path)
         triangles = int(result.is_triangle().sum())
         cells = len(result.cells)
-        kinds = f"{triangles} triangles, {cells - triangles} quadrilaterals" if result.dimension == 2 else f"{cells} tetrahedra"
+        kinds = (
+            f"{triangles} triangles, {cells - triangles} quadrilaterals"
+            if result.dimension == 2
+            else f"{cells} tetrahedra"
+        )
         print(f"{path}: {result.dimension}D, {len(result.points)} points, {kinds}")
         if result.parameters:
             print("  " + ", ".join(f"{name} = {value:g}" for name, value in result.parameters.items()))
@@ -345,12 +364,22 @@ def _info(a):
         for name, values in result.fields.items():
             finite = values[numpy.isfinite(values)]
             bad = f", {len(values) - len(finite)} cells not finite" if len(finite) < len(values) else ""
-            print(f"  {name:5} " + (f"{finite.min():>12.6g} to {finite.max():.6g}" if len(finite) else "none finite") + bad)
+            print(
+                f"  {name:5} "
+                + (f"{finite.min():>12.6g} to {finite.max():.6g}" if len(finite) else "none finite")
+                + bad
+            )
 
 
 _COMMANDS = {
-    "picture": _picture, "animate": _animate, "line": _line, "residuals": _residuals, "history": _history,
-    "vtu": _vtu, "tecplot": _tecplot, "info": _info,
+    "picture": _picture,
+    "animate": _animate,
+    "line": _line,
+    "residuals": _residuals,
+    "history": _history,
+    "vtu": _vtu,
+    "tecplot": _tecplot,
+    "info": _info,
 }
 
 

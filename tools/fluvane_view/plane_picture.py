@@ -139,8 +139,14 @@ def _draw_streamlines(axes, sheet, look, low, high):
     still = speed < 1e-4 * numpy.nanmax(speed)
     u, v = numpy.where(still, numpy.nan, u), numpy.where(still, numpy.nan, v)
     lines = axes.streamplot(
-        xs, ys, numpy.ma.masked_invalid(u), numpy.ma.masked_invalid(v), density=density, color=_ink(look),
-        linewidth=0.6, arrowsize=0.7,
+        xs,
+        ys,
+        numpy.ma.masked_invalid(u),
+        numpy.ma.masked_invalid(v),
+        density=density,
+        color=_ink(look),
+        linewidth=0.6,
+        arrowsize=0.7,
     )
     lines.lines.set_alpha(0.75)
 
@@ -155,8 +161,19 @@ def _draw_vectors(axes, sheet, look, low, high):
     box = max(xs[1] - xs[0], ys[1] - ys[0])
     longest = numpy.hypot(u[inside], v[inside]).max()
     axes.quiver(
-        x[inside], y[inside], u[inside], v[inside], angles="xy", scale_units="xy", scale=longest / (3.0 * box),
-        color=_ink(look), width=0.0022, headwidth=3.2, headlength=4.2, minlength=0.3, zorder=3,
+        x[inside],
+        y[inside],
+        u[inside],
+        v[inside],
+        angles="xy",
+        scale_units="xy",
+        scale=longest / (3.0 * box),
+        color=_ink(look),
+        width=0.0022,
+        headwidth=3.2,
+        headlength=4.2,
+        minlength=0.3,
+        zorder=3,
     )
 
 

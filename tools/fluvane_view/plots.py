@@ -149,7 +149,9 @@ def save_history(paths, out, dpi, area):
         table = read_history(path)
         values = means_of_moments(table[:, 1], area) if area else table[:, 1]
         axes = figure.add_subplot(len(paths), 1, i + 1)
-        axes.plot(table[:, 0], values, linewidth=1.5, color=f"C{i}", marker="o" if len(table) < 30 else "", markersize=3)
+        axes.plot(
+            table[:, 0], values, linewidth=1.5, color=f"C{i}", marker="o" if len(table) < 30 else "", markersize=3
+        )
         axes.grid(True, color="0.88", linewidth=0.6)
         name = next((text for ending, text in _MEANS.items() if path.stem.endswith(ending)), "value")
         axes.set_ylabel(name if area else name + ",\naccumulated as written")

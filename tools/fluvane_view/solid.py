@@ -149,7 +149,7 @@ class Slice(Sheet):
 
 
 def _without_flat_ones(points, polygons):
-    """(polygons, which were kept): those without an area go, and a quadrilateral with two equal corners is a triangle."""
+    """(polygons, which were kept): those without an area go; a quadrilateral with two equal corners is a triangle."""
     a, b, c, d = (points[polygons[:, i]] for i in range(4))
     p, q = c - a, d - b
     area = numpy.abs(p[:, 0] * q[:, 1] - p[:, 1] * q[:, 0])

@@ -17,7 +17,9 @@ def draw_boundary(axes, solid, look, limits):
     faces = solid.points[solid.boundary]
     values = boundary_values(solid, look)
     seen = _towards_viewer(axes, faces)
-    colours = mapped.to_rgba(values[seen]) if look.style != "none" else numpy.tile([0.9, 0.9, 0.9, 1.0], (seen.sum(), 1))
+    colours = (
+        mapped.to_rgba(values[seen]) if look.style != "none" else numpy.tile([0.9, 0.9, 0.9, 1.0], (seen.sum(), 1))
+    )
     colours[:, :3] *= _light(faces[seen])[:, None]
     lines = "0.2" if look.mesh else colours
     axes.add_collection3d(art3d.Poly3DCollection(faces[seen], facecolors=colours, edgecolors=lines, linewidths=0.25))
@@ -47,9 +49,9 @@ def _normals(faces):
 
 def _view(axes):
     elevation, azimuth = numpy.radians([axes.elev, axes.azim])
-    return numpy.array([
-        numpy.cos(elevation) * numpy.cos(azimuth), numpy.cos(elevation) * numpy.sin(azimuth), numpy.sin(elevation)
-    ])
+    return numpy.array(
+        [numpy.cos(elevation) * numpy.cos(azimuth), numpy.cos(elevation) * numpy.sin(azimuth), numpy.sin(elevation)]
+    )
 
 
 def _towards_viewer(axes, faces):
