@@ -5,6 +5,7 @@ import unittest
 import numpy
 import view_data
 from fluvane_view.errors import ViewError
+from fluvane_view.interpolation import NodeMeans
 from fluvane_view.plane_sheet import PlaneResult
 from fluvane_view.result_file import read_result
 from fluvane_view.solid import Solid
@@ -41,6 +42,14 @@ class Plane(unittest.TestCase):
             for i, node in enumerate(nodes):
                 around = values[(self.sheet.polygons == i).any(axis=1)]
                 self.assertTrue(around.min() - 1e-12 <= node <= around.max() + 1e-12)
+
+    def test_mean_stays_within_the_cells_around_where_they_lie_lopsided(self):
+        # The weight of the farthest cell would be negative: the others lie nearly all on its side.
+        centres = numpy.array([[-0.1, 0.1], [-0.1, -0.1], [5.0, 0.0], [6.0, 0.0]])
+        means = NodeMeans(numpy.zeros((1, 2)), numpy.zeros((4, 1), int), centres, numpy.array([False]))
+        for cell in range(4):
+            mean = means.of(numpy.arange(4) == cell)[0]
+            self.assertTrue(0.0 <= mean <= 1.0, (cell, mean))
 
     def test_line_is_exact_for_a_linear_field_away_from_walls(self):
         start, end = numpy.array([0.25, 0.3]), numpy.array([0.75, 0.7])
@@ -138,6 +147,14 @@ class Space(unittest.TestCase):
     def test_slice_beside_the_mesh_is_refused(self):
         with self.assertRaisesRegex(ViewError, "slice with z from 0 to 2, found 2.5"):
             self.solid.slice(2, 2.5)
+
+    def test_slice_through_a_gap_in_the_mesh_is_refused(self):
+        result = read_result(view_data.DATA / "cube_60.dat")
+        count = len(result.points)
+        result.points = numpy.concatenate([result.points, result.points + [5.0, 0.0, 0.0]])
+        result.cells = numpy.concatenate([result.cells, result.cells + count])
+        with self.assertRaisesRegex(ViewError, "expected cells at x = 3.5, found a gap"):
+            Solid(result).slice(0, 3.5)
 
     def test_boundary_is_closed_and_looks_outwards(self):
         faces = self.solid.points[self.solid.boundary]

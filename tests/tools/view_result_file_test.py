@@ -120,11 +120,23 @@ class ChangedFiles(unittest.TestCase):
             self.refuse("mixed_600.dat", self.line_replaced(last, text), last, "a point from 1 to 49")
 
     def test_coordinate_that_is_not_finite_is_refused(self):
-        self.refuse("cube_60.dat", self.line_replaced(6 + 27, b"nan"), 33, "a finite coordinate")
+        for text in (b"nan", b"-inf", b"1e300"):
+            self.refuse("cube_60.dat", self.line_replaced(6 + 27, text), 33, "a finite coordinate")
+
+    def test_mesh_without_extent_along_an_axis_is_refused(self):
+        for first, count, axis in ((12, 98, "X"), (12, 49, "X"), (61, 49, "Y")):
+
+            def collapse(data):
+                lines = data.split(b"\r\n")
+                lines[first - 1 : first - 1 + count] = [b"0.5"] * count
+                return b"\r\n".join(lines)
+
+            self.refuse("mixed_600.dat", collapse, first, f"points with different {axis}, found {axis} = 0.5 for all")
 
     def test_header_lines_are_asked_for_by_name(self):
         self.refuse("mixed_600.dat", lambda data: b"", 1, "TITLE", "the end of the file")
         self.refuse("mixed_600.dat", lambda data: b"\x89PNG" + data, 1, "TITLE")
+        self.refuse("mixed_600.dat", self.line_replaced(1, b"\x1b[2J\x07" * 30), 1, '"?[2J??[2J')
         self.refuse("mixed_600.dat", self.line_replaced(8, b""), 8, "VARIABLES", "an empty line")
         self.refuse("mixed_600.dat", self.line_replaced(11, b"0"), 11, "VARLOCATION")
         self.refuse("mixed_600.dat", self.line_replaced(5, b"Ra=much"), 5, "a number after Ra=", '"much"')

@@ -7,5 +7,6 @@ class ViewError(Exception):
 
 def bad_line(path, line, expected, found):
     """A ViewError that names file and line (counted from 1), what was expected there and what was found."""
-    text = found if len(found) <= 60 else found[:57] + "..."
+    text = "".join(letter if letter.isprintable() else "?" for letter in found)
+    text = text if len(text) <= 60 else text[:57] + "..."
     return ViewError(f"{path}:{line}: expected {expected}, found {text}")

@@ -42,8 +42,8 @@ class NodeMeans:
         inside = ~on_boundary & (self._add(None) > dimension)
         # A hundred-billionth of the size on the diagonal: flat stars of cells give plain means and no failure.
         size = numpy.trace(matrix, axis1=1, axis2=2)
-        matrix[:, range(dimension), range(dimension)] += (1e-11 * size + ~inside)[:, None]
-        slope = numpy.where(inside[:, None], numpy.linalg.solve(matrix, right[:, :, None])[:, :, 0], 0.0)
+        matrix[:, range(dimension), range(dimension)] += (1e-11 * size)[:, None]
+        slope = numpy.where(inside[:, None], numpy.nan_to_num(solve(matrix, right)), 0.0)
         linear = numpy.clip(1.0 + (slope[self._nodes] * away).sum(axis=1), 0.0, 2.0)
         near = 1.0 / numpy.sqrt((away**2).sum(axis=1) + 1e-300)
         weights = numpy.where(inside[self._nodes], linear, near)
@@ -62,13 +62,23 @@ def used_points_only(points, cells):
     return points[used], (numpy.cumsum(used) - 1)[cells]
 
 
+def solve(matrix, right):
+    """The solutions of many systems of two or three equations; nan or inf where a matrix is singular."""
+    if matrix.shape[1] == 2:
+        (a, b), (c, d) = matrix.transpose(1, 2, 0)
+        turned = numpy.column_stack([d * right[:, 0] - b * right[:, 1], a * right[:, 1] - c * right[:, 0]])
+        return turned / (a * d - b * c)[:, None]
+    a, b, c = matrix.transpose(2, 0, 1)
+    normals = numpy.cross(b, c), numpy.cross(c, a), numpy.cross(a, b)
+    return (
+        numpy.column_stack([(normal * right).sum(axis=1) for normal in normals]) / (a * normals[0]).sum(axis=1)[:, None]
+    )
+
+
 def barycentric(corners, points):
-    """Shares of the corners (m, d + 1, d) of simplices at one point (m, d) each; flat simplices give nan."""
+    """Shares of the corners (m, d + 1, d) of simplices at one point (m, d) each; flat simplices give nan or inf."""
     edges = (corners[:, 1:] - corners[:, :1]).transpose(0, 2, 1)
-    flat = numpy.linalg.det(edges) == 0.0
-    edges[flat] = numpy.eye(edges.shape[1])
-    shares = numpy.linalg.solve(edges, (points - corners[:, 0])[:, :, None])[:, :, 0]
-    shares[flat] = numpy.nan
+    shares = solve(edges, points - corners[:, 0])
     return numpy.column_stack([1.0 - shares.sum(axis=1), shares])
 
 
@@ -89,7 +99,7 @@ class Located:
     def offer(self, places, simplices, shares):
         """Takes what lies inside; of several, the one deepest inside."""
         least = shares.min(axis=1)
-        good = numpy.flatnonzero(least >= self._least[places])
+        good = numpy.flatnonzero((least >= self._least[places]) & numpy.isfinite(shares).all(axis=1))
         good = good[numpy.argsort(least[good], kind="stable")]
         # numpy keeps the last of equal indices: the deepest.
         places = places[good]

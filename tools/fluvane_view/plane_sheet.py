@@ -89,7 +89,7 @@ class PlaneResult(Sheet):
         self.result = result
 
     def cell_values(self, name):
-        return self.result.field(name)
+        return self.result.drawable(name)
 
     def vertex_values(self, name):
         values = self.cell_values(name)

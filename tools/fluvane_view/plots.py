@@ -81,26 +81,45 @@ def save_line_plot(out, line, dpi):
     else:
         along, over = "distance along the line", line.distances()
         where = "from ({}) to ({})".format(*(", ".join(f"{x:g}" for x in end) for end in (places[0], places[-1])))
-    figure, axes = _plot_figure()
-    for name, values in zip(line.names, line.columns):
-        axes.plot(over, values, label=looks.label_of(name, result.dimension), linewidth=1.5)
+    panels = _panels(line.names)
+    height = 1.6 + 3.0 * len(panels)
+    figure = pyplot.figure(figsize=(7.2, height), layout="constrained")
+    # Room for the note at the foot.
+    figure.get_layout_engine().set(rect=(0.0, 0.2 / height, 1.0, 1.0 - 0.2 / height))
+    columns = dict(zip(line.names, line.columns))
+    for i, names in enumerate(panels):
+        axes = figure.add_subplot(len(panels), 1, i + 1)
+        _prepare(axes)
+        labels = [looks.label_of(name, result.dimension) for name in names]
+        for name, label in zip(names, labels):
+            axes.plot(over, columns[name], label=label, linewidth=1.5)
+        if len(names) > 1:
+            axes.legend()
+        axes.set_ylabel(", ".join(labels))
     axes.set_xlabel(along)
-    if len(line.names) == 1:
-        axes.set_ylabel(looks.label_of(line.names[0], result.dimension))
-    else:
-        axes.legend()
+    figure.align_ylabels()
     parameters = ", ".join(text for text in (looks.parameter_text(result.parameters), label_of(result.path)) if text)
     figure.suptitle(f"{result.path.stem}, {where}" + ("\n" + parameters if parameters else ""), fontsize=11)
     figure.text(0.99, 0.005, line.interpolation(), ha="right", va="bottom", fontsize=6, color="0.4")
     save_figure(figure, out, dpi)
 
 
+def _panels(names):
+    """The velocity's components and the speed share a panel; every other variable has a scale of its own."""
+    moving = [name for name in names if name in ("u", "v", "w", "speed")]
+    return ([moving] if moving else []) + [[name] for name in names if name not in moving]
+
+
+def _prepare(axes):
+    axes.grid(True, color="0.88", linewidth=0.6)
+    axes.set_axisbelow(True)
+
+
 def _plot_figure():
     figure = pyplot.figure(figsize=(7.2, 4.8))
     axes = figure.add_subplot()
     figure.subplots_adjust(left=0.12, right=0.97, bottom=0.13, top=0.88)
-    axes.grid(True, color="0.88", linewidth=0.6)
-    axes.set_axisbelow(True)
+    _prepare(axes)
     return figure, axes
 
 

@@ -13,6 +13,7 @@ _NUMBER = re.compile(rb"[-+]?(\d+\.?\d*([eE][-+]?\d+)?|\.\d+([eE][-+]?\d+)?|inf|
 _PARAMETER = re.compile(r"([A-Za-z]\w*)\s*=\s*([^\s,]+)")
 _COORDINATES = {"FEQUADRILATERAL": ["X", "Y"], "FETETRAHEDRON": ["X", "Y", "Z"]}
 _MOST_HEADER_LINES = 40
+_GREATEST = 1e100
 
 
 @dataclasses.dataclass
@@ -42,6 +43,11 @@ class Result:
         if any(name not in self.fields for name in names):
             return None
         return numpy.column_stack([self.fields[name] for name in names])
+
+    def drawable(self, name):
+        """The field with nan for what is not finite or beyond 1e100: of a run that blew up the rest can be drawn."""
+        values = self.field(name)
+        return numpy.where(numpy.abs(values) < _GREATEST, values, numpy.nan)
 
     def field(self, name):
         """A field of the file, or "speed", the velocity's magnitude."""
@@ -208,10 +214,16 @@ def _line_of(header, body, index):
 
 
 def _check_points(path, header, body, points):
-    bad = numpy.flatnonzero(~numpy.isfinite(points.T.ravel()))
+    """Coordinates must be numbers that can be squared, and no axis may lack an extent."""
+    numbers = points.T.ravel()
+    bad = numpy.flatnonzero(~(numpy.abs(numbers) < _GREATEST))
     if len(bad):
-        value = points.T.ravel()[bad[0]]
-        raise bad_line(path, _line_of(header, body, bad[0]), "a finite coordinate", f"{value}")
+        raise bad_line(path, _line_of(header, body, bad[0]), "a finite coordinate", f"{numbers[bad[0]]:g}")
+    extent = numpy.ptp(points, axis=0)
+    flat = numpy.flatnonzero(extent <= 1e-12 * extent.max())
+    if len(flat):
+        line, axis = len(header.lines) + 1 + flat[0] * len(points), header.coordinates[flat[0]]
+        raise bad_line(path, line, f"points with different {axis}", f"{axis} = {points[0, flat[0]]:g} for all")
 
 
 def _check_corners(path, header, body, corners):

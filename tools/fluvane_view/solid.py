@@ -51,7 +51,7 @@ class Solid:
         return faces, owners
 
     def cell_values(self, name):
-        return self.result.field(name)
+        return self.result.drawable(name)
 
     def node_values(self, name):
         return self._means.of(self.cell_values(name))
@@ -105,6 +105,9 @@ class Slice(Sheet):
         # A face in the plane belongs to the cell below it; at the lowest plane there is none below.
         above = height > 0.0 if self.position <= low + 1e-9 * (high - low) else height >= 0.0
         met = numpy.flatnonzero(above[self.solid.cells].any(axis=1) & ~above[self.solid.cells].all(axis=1))
+        if not len(met):
+            place = f"{AXES[self.axis]} = {self.position:g}"
+            raise ViewError(f"{self.solid.result.path}: expected cells at {place}, found a gap in the mesh")
         order = numpy.argsort(~above[self.solid.cells[met]], axis=1, kind="stable")
         cells = numpy.take_along_axis(self.solid.cells[met], order, axis=1)
         count = above[cells].sum(axis=1)
