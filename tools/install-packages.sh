@@ -11,10 +11,11 @@ packages=(
     libgtest-dev     # GoogleTest, for the tests without windows
     libbenchmark-dev # Google Benchmark, for bench/
     python3          # the companions under tools/ and their tests
-    python3-numpy      # fluvane-view
-    python3-matplotlib # its pictures
-    python3-meshio     # its tests read its files back
-    python3-vtk9       # the same
+    python3-numpy    # fluvane-mesh and fluvane-view: large files in little time
+    python3-meshio   # fluvane-mesh: reads most formats; reads fluvane-view's files back in its tests
+    python3-gmsh     # fluvane-mesh: reads Gmsh's format, makes free triangles
+    python3-matplotlib # fluvane-view: pictures
+    python3-vtk9     # the tests of fluvane-view read its files back
     xvfb             # a display for the tour where there is none
     xauth            # xvfb-run needs it
     fonts-liberation # a stand-in for Times New Roman
@@ -22,7 +23,6 @@ packages=(
 )
 companions=(
     gmsh             # makes and converts meshes
-    python3-gmsh     # the same from Python
 )
 if [[ "${1:-}" == "--tools" ]]; then
     packages+=("${companions[@]}")

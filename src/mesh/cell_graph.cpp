@@ -71,9 +71,9 @@ void addUp(std::vector<std::int32_t>& start) {
     }
 }
 
-bool buildWithinMemory(bool (*build)()) {
+bool buildWithinMemory(bool (*build)(Storage), Storage storage) {
     try {
-        return build();
+        return build(storage);
     } catch (const std::bad_alloc&) {
         return refuseMesh(QStringLiteral("%1 faces").arg(mesh.totalFaceCount()),
                           QStringLiteral("not enough memory for the cells"));

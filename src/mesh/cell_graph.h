@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <omp.h>
 #include <span>
 #include <utility>
 #include <vector>
@@ -19,43 +20,117 @@ namespace fluvane {
 /// Above every face and cell index: the start of a search for the lowest one.
 constexpr std::int32_t noIndex = std::numeric_limits<std::int32_t>::max();
 
+/// What the faces of a 2D mesh connect, in few bytes a face.
+struct FaceLinks2D {
+    std::array<std::int32_t, 2> nodes;
+    std::int32_t c0;
+    std::int32_t c1;
+
+    static constexpr bool hasNodeCount() { return true; }
+    std::span<const std::int32_t> allNodes() const { return nodes; }
+    /// A cell takes from each face the node at which the face starts as seen from the cell.
+    std::span<const std::int32_t> nodesForFirst() const { return {nodes.data(), 1}; }
+    std::span<const std::int32_t> nodesForSecond() const { return {nodes.data() + 1, 1}; }
+};
+
+/// The same in 3D. Whoever asks for the nodes has checked that there are three or four.
+struct FaceLinks3D {
+    std::array<std::int32_t, 4> nodes;
+    std::int32_t c0;
+    std::int32_t c1;
+    std::int32_t nodeCount;
+
+    bool hasNodeCount() const { return nodeCount == 3 || nodeCount == 4; }
+    std::span<const std::int32_t> allNodes() const {
+        return {nodes.data(), static_cast<std::size_t>(nodeCount)};
+    }
+    /// Unlike in 2D, all nodes of a face go to both cells.
+    std::span<const std::int32_t> nodesForFirst() const { return allNodes(); }
+    std::span<const std::int32_t> nodesForSecond() const { return allNodes(); }
+};
+
+/// What the faces give to a cell, in few bytes: its faces in the order they are attached, the cells across
+/// them (-1 for none) and the nodes. The geometry passes work on a table of these instead of the wide
+/// records, which are filled once at the end.
+template <std::size_t faceLimit, std::size_t nodeLimit>
+struct alignas(32) CellLinks {
+    std::array<std::int32_t, faceLimit> faces;
+    std::array<std::int32_t, faceLimit> across;
+    std::array<std::int32_t, nodeLimit> nodes;
+    std::int16_t faceCount;
+    std::int16_t nodeCount;
+
+    std::span<const std::int32_t> cellsAcross() const {
+        return {across.data(), static_cast<std::size_t>(faceCount)};
+    }
+    std::span<const std::int32_t> allNodes() const {
+        return {nodes.data(), static_cast<std::size_t>(nodeCount)};
+    }
+};
+
+template <>
+inline constexpr bool isZeroBytes<FaceLinks2D> = true;
+template <>
+inline constexpr bool isZeroBytes<FaceLinks3D> = true;
+template <std::size_t faceLimit, std::size_t nodeLimit>
+inline constexpr bool isZeroBytes<CellLinks<faceLimit, nodeLimit>> = true;
+
 /// The records of a 2D mesh.
 struct Records2D {
     using Face = FaceRecord;
     using Cell = CellRecord;
-    using Nodes = std::array<std::int32_t, 2>;
+    using FaceLinks = FaceLinks2D;
+    using Links = CellLinks<4, 4>;
     static constexpr const char* faceNodes = "nodes";
     static constexpr const char* cellLimits = "at most four faces and four nodes a cell, found a fifth";
 
-    static Face& face(std::int32_t i) { return mesh.faces2D[static_cast<std::size_t>(i)]; }
-    static Cell& cell(std::int32_t c) { return mesh.cells2D[static_cast<std::size_t>(c)]; }
-    static Nodes nodesOf(const Face& f) { return {f.n0, f.n1}; }
-    /// A cell takes from each face the node at which the face starts as seen from the cell.
-    static std::span<const std::int32_t> nodesForFirst(const Face& f) { return {&f.n0, 1}; }
-    static std::span<const std::int32_t> nodesForSecond(const Face& f) { return {&f.n1, 1}; }
+    static RecordTable<Face>& faces() { return mesh.faces2D; }
+    static RecordTable<Cell>& cells() { return mesh.cells2D; }
+    static auto& cellFaceSlots() { return mesh.cellFaceSlots2D; }
+    static Face& face(std::int32_t i) { return faces()[static_cast<std::size_t>(i)]; }
+    static Cell& cell(std::int32_t c) { return cells()[static_cast<std::size_t>(c)]; }
+    static void allocateCells(std::int32_t count, StorageOrder order) {
+        mesh.allocateCells2D(count, std::move(order));
+    }
+    static FaceLinks linksOf(std::int32_t i) {
+        const Face& f = face(i);
+        return {{f.n0, f.n1}, f.c0, f.c1};
+    }
     static void allocateNeighbours(std::vector<std::int32_t> start) {
         mesh.allocateNeighbours2D(std::move(start));
     }
 };
 
-/// The records of a 3D mesh. Whoever asks for a face's nodes has checked that there are three or four.
+/// The records of a 3D mesh.
 struct Records3D {
     using Face = FaceRecord3D;
     using Cell = CellRecord3D;
-    using Nodes = std::span<const std::int32_t>;
+    using FaceLinks = FaceLinks3D;
+    using Links = CellLinks<6, 8>;
     static constexpr const char* faceNodes = "three or four nodes";
     static constexpr const char* cellLimits = "at most six faces and eight nodes a cell, found one more";
 
-    static Face& face(std::int32_t i) { return mesh.faces3D[static_cast<std::size_t>(i)]; }
-    static Cell& cell(std::int32_t c) { return mesh.cells3D[static_cast<std::size_t>(c)]; }
-    static Nodes nodesOf(const Face& f) { return {f.nodes.data(), static_cast<std::size_t>(f.nodeCount)}; }
-    /// Unlike in 2D, all nodes of a face go to both cells.
-    static Nodes nodesForFirst(const Face& f) { return nodesOf(f); }
-    static Nodes nodesForSecond(const Face& f) { return nodesOf(f); }
+    static RecordTable<Face>& faces() { return mesh.faces3D; }
+    static RecordTable<Cell>& cells() { return mesh.cells3D; }
+    static auto& cellFaceSlots() { return mesh.cellFaceSlots3D; }
+    static Face& face(std::int32_t i) { return faces()[static_cast<std::size_t>(i)]; }
+    static Cell& cell(std::int32_t c) { return cells()[static_cast<std::size_t>(c)]; }
+    static void allocateCells(std::int32_t count, StorageOrder order) {
+        mesh.allocateCells3D(count, std::move(order));
+    }
+    static FaceLinks linksOf(std::int32_t i) {
+        const Face& f = face(i);
+        return {f.nodes, f.c0, f.c1, f.nodeCount};
+    }
     static void allocateNeighbours(std::vector<std::int32_t> start) {
         mesh.allocateNeighbours3D(std::move(start));
     }
 };
+
+template <class Records>
+using FaceTable = HugeArray<typename Records::FaceLinks>;
+template <class Records>
+using CellTable = HugeArray<typename Records::Links>;
 
 /// "line 12, cell 3", numbers as in the file.
 QString placeOf(std::int32_t face, std::int32_t cell);
@@ -96,13 +171,24 @@ void reportCells(const FlawedCells& flawed, const QString& flaw) {
         reportCells(flawed, Records::cell(flawed.first).faces[0], flaw);
 }
 
+/// What all faces connect.
+template <class Records>
+FaceTable<Records> gatherFaces() {
+    const std::int32_t F = mesh.totalFaceCount();
+    FaceTable<Records> faces(static_cast<std::size_t>(F));
+#pragma omp parallel for schedule(static)
+    for (std::int32_t i = 0; i < F; ++i)
+        faces[static_cast<std::size_t>(i)] = Records::linksOf(i);
+    return faces;
+}
+
 /// The highest cell index that the interior faces name. Deliberate: a face's second cell is looked at only
 /// when its first cell does not raise the maximum.
-template <class Records>
-std::int32_t highestCell() {
+template <class Links>
+std::int32_t highestCell(const HugeArray<Links>& faces) {
     std::int32_t m = 0;
-    for (std::int32_t i = 0; i < mesh.interiorFaceCount; ++i) {
-        const auto& face = Records::face(i);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(mesh.interiorFaceCount); ++i) {
+        const Links& face = faces[i];
         if (face.c0 > m)
             m = face.c0;
         else if (face.c1 > m)
@@ -111,68 +197,48 @@ std::int32_t highestCell() {
     return m;
 }
 
-inline bool hasNodeCount(const FaceRecord&) {
-    return true;
-}
-
-inline bool hasNodeCount(const FaceRecord3D& face) {
-    return face.nodeCount == 3 || face.nodeCount == 4;
-}
-
 /// Whether all indices of a face can be followed.
-template <class Records>
-bool isSound(const typename Records::Face& face, bool interior, std::int32_t cells) {
+template <class Links>
+bool isSound(const Links& face, bool interior, std::int32_t cells) {
     const auto isCell = [cells](std::int32_t c) { return c >= 0 && c < cells; };
-    if (!hasNodeCount(face) || !isCell(face.c0) || !(interior ? isCell(face.c1) : face.c1 == -1))
+    if (!face.hasNodeCount() || !isCell(face.c0) || !(interior ? isCell(face.c1) : face.c1 == -1))
         return false;
-    for (const std::int32_t n : Records::nodesOf(face))
+    for (const std::int32_t n : face.allNodes())
         if (n < 0 || n >= mesh.pointCount)
             return false;
     return true;
 }
 
 template <class Records>
-bool checkFaces(std::int32_t cells) {
-    const std::int32_t F = mesh.totalFaceCount();
+bool checkFaces(const FaceTable<Records>& faces, std::int32_t cells) {
+    const auto F = static_cast<std::int32_t>(faces.size());
     std::int32_t firstBad = noIndex;
 #pragma omp parallel for schedule(static) reduction(min : firstBad)
     for (std::int32_t i = 0; i < F; ++i)
-        if (!isSound<Records>(Records::face(i), i < mesh.interiorFaceCount, cells))
+        if (!isSound(faces[static_cast<std::size_t>(i)], i < mesh.interiorFaceCount, cells))
             firstBad = std::min(firstBad, i);
     if (firstBad == noIndex)
         return true;
-    const auto& face = Records::face(firstBad);
-    if (!hasNodeCount(face))
+    const auto face = faces[static_cast<std::size_t>(firstBad)];
+    if (!face.hasNodeCount())
         return refuseFace(firstBad, Records::faceNodes, {}, face.c0, face.c1, cells);
-    const auto nodes = Records::nodesOf(face);
-    return refuseFace(firstBad, Records::faceNodes, nodes, face.c0, face.c1, cells);
+    return refuseFace(firstBad, Records::faceNodes, face.allNodes(), face.c0, face.c1, cells);
 }
 
-/// The cells across the face slots of every cell, -1 for none: what the neighbour lists are made of, in a few
-/// bytes a cell instead of a walk through the records.
-template <class Records>
-struct AcrossFaces {
-    std::array<std::int32_t, Records::Cell::maxFaces> cells;
-    AcrossFaces() { cells.fill(-1); }
-};
-
-template <class Records>
-using AcrossTable = HugeArray<AcrossFaces<Records>>;
-
 /// Gives a cell a face, with the cell across it; false when it has all it can have.
-template <class Records>
-bool attachFace(AcrossTable<Records>& across, std::int32_t cell, std::int32_t face, std::int32_t other) {
-    auto& record = Records::cell(cell);
-    if (record.faceCount == Records::Cell::maxFaces)
+template <class Links>
+bool attachFace(Links& cell, std::int32_t face, std::int32_t other) {
+    const auto place = static_cast<std::size_t>(cell.faceCount);
+    if (place == cell.faces.size())
         return false;
-    const auto slot = static_cast<std::size_t>(record.faceCount++);
-    record.faces[slot] = face;
-    across[static_cast<std::size_t>(cell)].cells[slot] = other;
+    ++cell.faceCount;
+    cell.faces[place] = face;
+    cell.across[place] = other;
     return true;
 }
 
-template <class Cell>
-bool attachNodes(Cell& cell, std::span<const std::int32_t> nodes) {
+template <class Links>
+bool attachNodes(Links& cell, std::span<const std::int32_t> nodes) {
     for (const std::int32_t node : nodes) {
         const auto end = cell.nodes.begin() + cell.nodeCount;
         if (std::find(cell.nodes.begin(), end, node) != end)
@@ -188,22 +254,23 @@ bool attachNodes(Cell& cell, std::span<const std::int32_t> nodes) {
 /// Gives each cell its faces, in order, and from each face the nodes that it takes. Refuses cells with too
 /// many of either.
 template <class Records>
-bool connectCells(AcrossTable<Records>& across) {
-    const std::int32_t F = mesh.totalFaceCount();
+bool connectCells(const FaceTable<Records>& faces, CellTable<Records>& cells) {
+    const auto F = static_cast<std::int32_t>(faces.size());
     const auto tooMany = [](std::int32_t face, std::int32_t cell) {
         return refuseMesh(placeOf(face, cell),
                           QStringLiteral("expected %1").arg(QLatin1String(Records::cellLimits)));
     };
     for (std::int32_t i = 0; i < F; ++i) {
-        const auto& face = Records::face(i);
+        const auto& face = faces[static_cast<std::size_t>(i)];
         const bool interior = i < mesh.interiorFaceCount;
-        if (!attachFace<Records>(across, face.c0, i, face.c1))
+        auto& first = cells[static_cast<std::size_t>(face.c0)];
+        if (!attachFace(first, i, face.c1))
             return tooMany(i, face.c0);
-        if (interior && !attachFace<Records>(across, face.c1, i, face.c0))
+        if (interior && !attachFace(cells[static_cast<std::size_t>(face.c1)], i, face.c0))
             return tooMany(i, face.c1);
-        if (!attachNodes(Records::cell(face.c0), Records::nodesForFirst(face)))
+        if (!attachNodes(first, face.nodesForFirst()))
             return tooMany(i, face.c0);
-        if (interior && !attachNodes(Records::cell(face.c1), Records::nodesForSecond(face)))
+        if (interior && !attachNodes(cells[static_cast<std::size_t>(face.c1)], face.nodesForSecond()))
             return tooMany(i, face.c1);
     }
     return true;
@@ -215,14 +282,14 @@ using Rings = std::array<std::int32_t, Records::Cell::maxFaces*(1 + Records::Cel
 
 /// The neighbours of a cell: the cells across its faces, then theirs, each once. Returns their number.
 template <class Records>
-std::int32_t collectNeighbours(const AcrossTable<Records>& across, std::int32_t c, Rings<Records>& list) {
+std::int32_t collectNeighbours(const CellTable<Records>& cells, std::int32_t c, Rings<Records>& list) {
     auto end = list.begin();
-    for (const std::int32_t other : across[static_cast<std::size_t>(c)].cells)
+    for (const std::int32_t other : cells[static_cast<std::size_t>(c)].cellsAcross())
         if (other != -1)
             *end++ = other;
     const auto faceNeighboursEnd = end;
     for (auto near = list.begin(); near != faceNeighboursEnd; ++near)
-        for (const std::int32_t other : across[static_cast<std::size_t>(*near)].cells)
+        for (const std::int32_t other : cells[static_cast<std::size_t>(*near)].cellsAcross())
             if (other != -1 && other != c && std::find(list.begin(), end, other) == end)
                 *end++ = other;
     return static_cast<std::int32_t>(end - list.begin());
@@ -231,57 +298,82 @@ std::int32_t collectNeighbours(const AcrossTable<Records>& across, std::int32_t 
 /// From the counts behind the first entry to offsets.
 void addUp(std::vector<std::int32_t>& start);
 
-/// Makes and fills the compact neighbour lists. Refuses a cell with too many neighbours; in 2D no cell can
-/// have too many.
+/// Share t of n contiguous ones of `count` things.
+struct Share {
+    std::int32_t first;
+    std::int32_t last;
+
+    Share(std::int64_t count, std::int64_t t, std::int64_t n)
+        : first(static_cast<std::int32_t>(count * t / n)),
+          last(static_cast<std::int32_t>(count * (t + 1) / n)) {}
+};
+
+/// Makes and fills the compact neighbour lists, for the cells as they lie. Refuses a cell with too many
+/// neighbours; in 2D no cell can have too many.
 template <class Records>
-bool buildNeighbourLists(const AcrossTable<Records>& across) {
+bool buildNeighbourLists(const CellTable<Records>& cells) {
     constexpr std::int32_t most = Records::Cell::maxNeighbours;
-    HugeArray<std::array<std::int32_t, most>> found(static_cast<std::size_t>(mesh.cellCount));
-    std::vector<std::int32_t> start(static_cast<std::size_t>(mesh.cellCount) + 1);
+    const auto count = static_cast<std::int32_t>(cells.size());
+    const int shares = omp_get_max_threads();
+    const StorageOrder& order = Records::cells().order();
+    // Each share is written without gaps; what it leaves of its room is never touched.
+    HugeArray<std::int32_t> staged(cells.size() * most);
+    std::vector<std::int32_t> start(cells.size() + 1);
     std::int32_t firstCrowded = noIndex;
 #pragma omp parallel for schedule(static) reduction(min : firstCrowded)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        Rings<Records> list;
-        const std::int32_t count = collectNeighbours<Records>(across, c, list);
-        if (count > most)
-            firstCrowded = std::min(firstCrowded, c);
-        std::copy_n(list.begin(), std::min(count, most), found[static_cast<std::size_t>(c)].begin());
-        start[static_cast<std::size_t>(c) + 1] = count;
+    for (int t = 0; t < shares; ++t) {
+        const Share share(count, t, shares);
+        std::int32_t* end = staged.data() + std::ptrdiff_t{share.first} * most;
+        for (std::int32_t slot = share.first; slot < share.last; ++slot) {
+            const auto c = static_cast<std::int32_t>(order.number(static_cast<std::size_t>(slot)));
+            Rings<Records> list;
+            const std::int32_t found = collectNeighbours<Records>(cells, c, list);
+            if (found > most)
+                firstCrowded = std::min(firstCrowded, c);
+            end = std::copy_n(list.begin(), std::min(found, most), end);
+            start[static_cast<std::size_t>(slot) + 1] = found;
+        }
     }
     if (firstCrowded != noIndex)
-        return refuseMesh(placeOf(Records::cell(firstCrowded).faces[0], firstCrowded),
+        return refuseMesh(placeOf(cells[static_cast<std::size_t>(firstCrowded)].faces[0], firstCrowded),
                           QStringLiteral("expected at most %1 cells in two rings round a cell, found %2")
                               .arg(most)
-                              .arg(start[static_cast<std::size_t>(firstCrowded) + 1]));
+                              .arg(start[order.slot(static_cast<std::size_t>(firstCrowded)) + 1]));
     addUp(start);
     Records::allocateNeighbours(std::move(start));
 #pragma omp parallel for schedule(static)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        const auto& cell = Records::cell(c);
-        std::copy_n(found[static_cast<std::size_t>(c)].begin(), cell.neighbourCount, cell.neighbours);
+    for (int t = 0; t < shares; ++t) {
+        const Share share(count, t, shares);
+        const std::int32_t first = mesh.neighbourStart[static_cast<std::size_t>(share.first)];
+        const std::int32_t last = mesh.neighbourStart[static_cast<std::size_t>(share.last)];
+        std::copy_n(staged.data() + std::ptrdiff_t{share.first} * most, last - first,
+                    mesh.neighbourList.data() + first);
     }
     return true;
 }
 
-/// Connects the cells, which are there, with faces, nodes and neighbours.
-template <class Records>
-bool connectMesh() {
-    AcrossTable<Records> across(static_cast<std::size_t>(mesh.cellCount));
-    return connectCells<Records>(across) && buildNeighbourLists<Records>(across);
+/// Copies what the faces gave to a cell into its record; indices that it has not stay -1.
+template <class Links, class Cell>
+void fillConnections(const Links& links, Cell& cell) {
+    using Count = decltype(cell.faceCount);
+    cell.faceCount = static_cast<Count>(links.faceCount);
+    cell.nodeCount = static_cast<Count>(links.nodeCount);
+    std::fill(std::copy_n(links.faces.begin(), links.faceCount, cell.faces.begin()), cell.faces.end(), -1);
+    std::fill(std::copy_n(links.nodes.begin(), links.nodeCount, cell.nodes.begin()), cell.nodes.end(), -1);
 }
 
 /// The smallest value over the faces, starting from 10000.0. The zones may count the faces of the other
 /// dimension.
 template <class Face>
-double smallestOfFaces(const HugeArray<Face>& faces, double Face::*size) {
+double smallestOfFaces(const RecordTable<Face>& faces, double (*size)(const Face&)) {
     double smallest = 10000.0;
     const auto counted = static_cast<std::size_t>(mesh.totalFaceCount());
     for (std::size_t i = 0; i < std::min(counted, faces.size()); ++i)
-        smallest = std::min(smallest, faces[i].*size);
+        smallest = std::min(smallest, size(faces[i]));
     return smallest;
 }
 
 /// Runs a whole geometry pass; running out of memory refuses the mesh.
-bool buildWithinMemory(bool (*build)());
+bool buildWithinMemory(bool (*build)(Storage), Storage storage);
 
 } // namespace fluvane

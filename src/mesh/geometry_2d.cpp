@@ -3,89 +3,121 @@
 
 #include "mesh/cell_graph.h"
 #include "mesh/mesh.h"
+#include "mesh/storage_order.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
+#include <span>
 #include <utility>
 
 namespace fluvane {
 
 namespace {
 
-FaceRecord& faceAt(std::int32_t i) {
-    return Records2D::face(i);
-}
-
-CellRecord& cellAt(std::int32_t c) {
-    return Records2D::cell(c);
-}
+using Links = Records2D::Links;
+using Faces = FaceTable<Records2D>;
+using Cells = CellTable<Records2D>;
+using Centres = HugeArray<Vec2>;
 
 Vec2 pointAt(std::int32_t p) {
     return {mesh.pointX[static_cast<std::size_t>(p)], mesh.pointY[static_cast<std::size_t>(p)]};
 }
 
-void setMidpoints() {
-    const std::int32_t F = mesh.totalFaceCount();
-#pragma omp parallel for schedule(static)
-    for (std::int32_t i = 0; i < F; ++i) {
-        FaceRecord& face = faceAt(i);
-        const Vec2 p0 = pointAt(face.n0);
-        const Vec2 p1 = pointAt(face.n1);
-        face.xf = (p0.x + p1.x) / 2;
-        face.yf = (p0.y + p1.y) / 2;
-    }
+Vec2 operator-(const Vec2& a, const Vec2& b) {
+    return {a.x - b.x, a.y - b.y};
 }
 
-void setCentre(CellRecord& cell) {
+/// The end points of a face.
+struct Edge {
+    Vec2 p0;
+    Vec2 p1;
+
+    explicit Edge(const FaceLinks2D& face) : p0(pointAt(face.nodes[0])), p1(pointAt(face.nodes[1])) {}
+    Vec2 midpoint() const { return {(p0.x + p1.x) / 2, (p0.y + p1.y) / 2}; }
+    /// As long as the face and at right angles to it.
+    Vec2 normal() const { return {p0.y - p1.y, p1.x - p0.x}; }
+    double length() const {
+        const Vec2 d = p0 - p1;
+        return std::sqrt(d.x * d.x + d.y * d.y);
+    }
+};
+
+Vec2 centreOf(const Links& cell) {
     double x = 0.0;
     double y = 0.0;
-    for (std::int32_t k = 0; k < cell.nodeCount; ++k) {
-        const Vec2 p = pointAt(cell.nodes[static_cast<std::size_t>(k)]);
+    for (const std::int32_t node : cell.allNodes()) {
+        const Vec2 p = pointAt(node);
         x += p.x;
         y += p.y;
     }
-    cell.xc = x / cell.nodeCount;
-    cell.yc = y / cell.nodeCount;
+    return {x / cell.nodeCount, y / cell.nodeCount};
 }
 
-/// The angle under which a cell sees a node, from 0 to 2 pi. Deliberate: 2 pi is the truncated 6.2831852, and
-/// a node level with the centre takes acos; one that lies on the centre has the angle 0.
-double nodeAngle(double dx, double dy) {
-    const double r = std::sqrt(dx * dx + dy * dy);
+/// The angle under which a cell sees a node, from 0 to 2 pi; d points from the node to the centre.
+/// Deliberate: 2 pi is the truncated 6.2831852, and a node level with the centre takes acos; one that lies on
+/// the centre has the angle 0.
+double nodeAngle(const Vec2& d) {
+    const double r = std::sqrt(d.x * d.x + d.y * d.y);
     if (r == 0.0)
         return 0.0;
-    const double a = std::acos(dx / r);
-    return dy < 0.0 ? 6.2831852 - a : a;
+    const double a = std::acos(d.x / r);
+    return d.y < 0.0 ? 6.2831852 - a : a;
 }
 
-/// Sorts the nodes by descending angle, which is clockwise. The exchange sort decides between equal angles.
-void orderNodes(CellRecord& cell) {
-    std::array<double, 4> angle{};
-    const auto n = static_cast<std::size_t>(cell.nodeCount);
-    for (std::size_t k = 0; k < n; ++k) {
-        const Vec2 p = pointAt(cell.nodes[k]);
-        angle[k] = nodeAngle(cell.xc - p.x, cell.yc - p.y);
-    }
-    for (std::size_t i = 0; i < n; ++i) {
-        for (std::size_t j = i + 1; j < n; ++j) {
+/// A number that grows with the node's angle at half its rate or more and costs no acos; NaN where the angle
+/// may be lost to rounding.
+double roughAngle(const Vec2& d) {
+    constexpr double smallest = 1e-140, largest = 1e140;
+    const double reach = std::abs(d.x) + std::abs(d.y);
+    if (!(reach > smallest && reach < largest))
+        return std::numeric_limits<double>::quiet_NaN();
+    const double level = d.x / reach;
+    return d.y < 0.0 ? 3.0 + level : 1.0 - level;
+}
+
+/// Sorts the nodes by descending angle. The exchange sort decides between equal angles.
+void sortByAngle(std::span<std::int32_t> nodes, std::array<double, 4>& angle) {
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        for (std::size_t j = i + 1; j < nodes.size(); ++j) {
             if (angle[j] > angle[i]) {
                 std::swap(angle[i], angle[j]);
-                std::swap(cell.nodes[i], cell.nodes[j]);
+                std::swap(nodes[i], nodes[j]);
             }
         }
     }
 }
 
+/// Sorts the nodes clockwise: by descending angle. Where rough angles keep clear of each other, the true ones
+/// have the same order.
+void orderNodes(std::span<std::int32_t> nodes, const Vec2& centre) {
+    constexpr double clear = 1e-5; // far above the truncation of 2 pi and the rounding of acos
+    std::array<Vec2, 4> d;
+    std::array<double, 4> angle{};
+    for (std::size_t k = 0; k < nodes.size(); ++k) {
+        d[k] = centre - pointAt(nodes[k]);
+        angle[k] = roughAngle(d[k]);
+    }
+    bool apart = true;
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        for (std::size_t j = i + 1; j < nodes.size(); ++j)
+            apart = apart && std::abs(angle[i] - angle[j]) > clear;
+    if (!apart)
+        for (std::size_t k = 0; k < nodes.size(); ++k)
+            angle[k] = nodeAngle(d[k]);
+    sortByAngle(nodes, angle);
+}
+
 /// Outward area vectors; the last face's closes the polygon.
-void setAreaVectors(CellRecord& cell) {
+void setAreaVectors(CellRecord& cell, const Links& links, const Faces& faces, const Vec2& centre) {
     Vec2 sum;
-    const auto n = static_cast<std::size_t>(cell.faceCount);
+    const auto n = static_cast<std::size_t>(links.faceCount);
     for (std::size_t k = 0; k + 1 < n; ++k) {
-        const FaceRecord& face = faceAt(cell.faces[k]);
-        const Vec2 p0 = pointAt(face.n0);
-        const Vec2 p1 = pointAt(face.n1);
-        Vec2 S{p0.y - p1.y, p1.x - p0.x};
-        if ((face.xf - cell.xc) * S.x + (face.yf - cell.yc) * S.y < 0.0)
+        const Edge edge(faces[static_cast<std::size_t>(links.faces[k])]);
+        const Vec2 away = edge.midpoint() - centre;
+        Vec2 S = edge.normal();
+        if (away.x * S.x + away.y * S.y < 0.0)
             S = {-S.x, -S.y};
         cell.S[k] = S;
         sum.x += S.x;
@@ -95,66 +127,94 @@ void setAreaVectors(CellRecord& cell) {
         cell.S[n - 1] = {-sum.x, -sum.y};
 }
 
-/// The polygon's area from the clockwise nodes; other shapes than triangles and quadrilaterals keep 0.
-void setArea(CellRecord& cell) {
-    if (cell.nodeCount < 3)
-        return;
-    const Vec2 p0 = pointAt(cell.nodes[0]);
-    const Vec2 p1 = pointAt(cell.nodes[1]);
-    const Vec2 p2 = pointAt(cell.nodes[2]);
-    if (cell.nodeCount == 3) {
-        cell.area = -0.5 * (p1.x * (p2.y - p0.y) + p0.x * (p1.y - p2.y) + p2.x * (p0.y - p1.y));
-        return;
+/// Fills the records of the faces of which this is the first cell, each face thus once. Of a face that a cell
+/// has twice the first area vector counts.
+void finishFaces(const CellRecord& cell, std::int32_t c, const Links& links, const Faces& faces) {
+    for (auto k = static_cast<std::size_t>(links.faceCount); k-- > 0;) {
+        const auto i = static_cast<std::size_t>(links.faces[k]);
+        if (faces[i].c0 != c)
+            continue;
+        const Edge edge(faces[i]);
+        const Vec2 middle = edge.midpoint();
+        FaceRecord& face = mesh.faces2D[i];
+        face.xf = middle.x;
+        face.yf = middle.y;
+        face.S0x = cell.S[k].x;
+        face.S0y = cell.S[k].y;
+        face.length = edge.length();
     }
-    const Vec2 p3 = pointAt(cell.nodes[3]);
-    cell.area =
-        -0.5 * (p1.x * (p2.y - p0.y) + p0.x * (p1.y - p3.y) + p2.x * (p3.y - p1.y) + p3.x * (p0.y - p2.y));
+}
+
+/// The polygon's area from the clockwise nodes; 0 for other shapes than triangles and quadrilaterals.
+double areaOf(std::span<const std::int32_t> nodes) {
+    if (nodes.size() < 3)
+        return 0.0;
+    const Vec2 p0 = pointAt(nodes[0]);
+    const Vec2 p1 = pointAt(nodes[1]);
+    const Vec2 p2 = pointAt(nodes[2]);
+    if (nodes.size() == 3)
+        return -0.5 * (p1.x * (p2.y - p0.y) + p0.x * (p1.y - p2.y) + p2.x * (p0.y - p1.y));
+    const Vec2 p3 = pointAt(nodes[3]);
+    return -0.5 * (p1.x * (p2.y - p0.y) + p0.x * (p1.y - p3.y) + p2.x * (p3.y - p1.y) + p3.x * (p0.y - p2.y));
 }
 
 /// Least-squares weights, with which the gradient of phi is the sum of lsq[j] (phi_c - phi_j). False, with
 /// weights 0, when all neighbours lie on one line through the centre.
-bool setWeights(CellRecord& cell) {
+bool setWeights(const Vec2& centre, std::span<const std::int32_t> neighbours, const Centres& centres,
+                Vec2* lsq) {
     // The determinant's own rounding, relative to its first product, when it should be 0.
     constexpr double rounding = 1e-14;
+    std::array<Vec2, CellRecord::maxNeighbours> d;
+    std::array<double, CellRecord::maxNeighbours> w;
+    const std::size_t count = neighbours.size();
+    for (std::size_t j = 0; j < count; ++j)
+        d[j] = centre - centres[static_cast<std::size_t>(neighbours[j])];
+    for (std::size_t j = 0; j < count; ++j)
+        w[j] = 1.0 / (d[j].x * d[j].x + d[j].y * d[j].y);
     double Sxx = 0.0;
     double Syy = 0.0;
     double Sxy = 0.0;
-    const auto weightOf = [](double dx, double dy) { return 1.0 / (dx * dx + dy * dy); };
-    for (std::int32_t j = 0; j < cell.neighbourCount; ++j) {
-        const CellRecord& other = cellAt(cell.neighbours[j]);
-        const double dx = cell.xc - other.xc;
-        const double dy = cell.yc - other.yc;
-        const double w = weightOf(dx, dy);
-        Sxx += w * (dx * dx);
-        Syy += w * (dy * dy);
-        Sxy += w * dx * dy;
+    for (std::size_t j = 0; j < count; ++j) {
+        Sxx += w[j] * (d[j].x * d[j].x);
+        Syy += w[j] * (d[j].y * d[j].y);
+        Sxy += w[j] * d[j].x * d[j].y;
     }
     const double det = Sxx * Syy - Sxy * Sxy;
     if (!(det > rounding * (Sxx * Syy)) || !std::isfinite(det))
         return false;
-    for (std::int32_t j = 0; j < cell.neighbourCount; ++j) {
-        const CellRecord& other = cellAt(cell.neighbours[j]);
-        const double dx = cell.xc - other.xc;
-        const double dy = cell.yc - other.yc;
-        const double w = weightOf(dx, dy);
-        cell.lsq[j] = {w * (Syy * dx - Sxy * dy) / det, w * (Sxx * dy - Sxy * dx) / det};
-    }
+    for (std::size_t j = 0; j < count; ++j)
+        lsq[j] = {w[j] * (Syy * d[j].x - Sxy * d[j].y) / det, w[j] * (Sxx * d[j].y - Sxy * d[j].x) / det};
     return true;
 }
 
-void shapeCells() {
+/// Fills a cell's record but for its weights.
+void shapeCell(CellRecord& cell, std::int32_t c, const Links& links, const Faces& faces, const Vec2& centre) {
+    fillConnections(links, cell);
+    const std::span<std::int32_t> nodes(cell.nodes.data(), static_cast<std::size_t>(links.nodeCount));
+    cell.xc = centre.x;
+    cell.yc = centre.y;
+    orderNodes(nodes, centre);
+    setAreaVectors(cell, links, faces, centre);
+    cell.area = areaOf(nodes);
+    finishFaces(cell, c, links, faces);
+}
+
+Centres centresOf(const Cells& cells) {
+    return Centres(cells.size(), [&cells](std::size_t c) { return centreOf(cells[c]); });
+}
+
+void shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) {
     FlawedCells singular;
     FlawedCells open;
-#pragma omp parallel for schedule(static)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c)
-        setCentre(cellAt(c));
 #pragma omp parallel for schedule(static) reduction(addFlaws : singular, open)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        CellRecord& cell = cellAt(c);
-        orderNodes(cell);
-        setAreaVectors(cell);
-        setArea(cell);
-        if (!setWeights(cell))
+    for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
+        const std::size_t i = mesh.cells2D.order().number(static_cast<std::size_t>(slot));
+        const auto c = static_cast<std::int32_t>(i);
+        CellRecord& cell = mesh.cells2D.data()[slot];
+        shapeCell(cell, c, cells[i], faces, centres[i]);
+        const std::span<const std::int32_t> neighbours(cell.neighbours.data(),
+                                                       static_cast<std::size_t>(cell.neighbourCount));
+        if (!setWeights(centres[i], neighbours, centres, cell.lsq))
             singular.add(c);
         if (cell.nodeCount != cell.faceCount || !(cell.area > 0.0))
             open.add(c);
@@ -165,62 +225,43 @@ void shapeCells() {
                                                 "area and centre are wrong"));
 }
 
-/// The area vector that a cell keeps for one of its faces.
-Vec2 areaVectorOf(const CellRecord& cell, std::int32_t face) {
-    const auto slot = std::find(cell.faces.begin(), cell.faces.end(), face);
-    return cell.S[static_cast<std::size_t>(slot - cell.faces.begin())];
-}
-
-void finishFaces() {
-    const std::int32_t F = mesh.totalFaceCount();
-#pragma omp parallel for schedule(static)
-    for (std::int32_t i = 0; i < F; ++i) {
-        FaceRecord& face = faceAt(i);
-        const Vec2 p0 = pointAt(face.n0);
-        const Vec2 p1 = pointAt(face.n1);
-        const double dx = p0.x - p1.x;
-        const double dy = p0.y - p1.y;
-        face.length = std::sqrt(dx * dx + dy * dy);
-        const Vec2 S0 = areaVectorOf(cellAt(face.c0), i);
-        face.S0x = S0.x;
-        face.S0y = S0.y;
-        if (face.c1 == -1)
-            continue;
-        const Vec2 S1 = areaVectorOf(cellAt(face.c1), i);
-        face.S1x = S1.x;
-        face.S1y = S1.y;
-    }
-}
-
-bool build() {
+bool build(Storage storage) {
     static_assert(Rings<Records2D>().size() <= CellRecord::maxNeighbours,
                   "two rings of cells with so many faces must fit the list");
     if (mesh.totalFaceCount() == 0)
         return true; // the empty mesh has no cells either
-    const std::int32_t highest = highestCell<Records2D>();
-    if (!checkHighestCell(highest) || !checkFaces<Records2D>(highest + 1))
+    const Faces faces = gatherFaces<Records2D>();
+    const std::int32_t highest = highestCell(faces);
+    if (!checkHighestCell(highest) || !checkFaces<Records2D>(faces, highest + 1))
         return false;
-    mesh.allocateCells2D(highest + 1);
-    if (!connectMesh<Records2D>())
+    Cells cells(static_cast<std::size_t>(highest) + 1);
+    if (!connectCells<Records2D>(faces, cells))
         return false;
-    setMidpoints();
-    shapeCells();
-    finishFaces();
+    const Centres centres = centresOf(cells);
+    storeInOrder<Records2D>(chooseOrder<Records2D>(storage, faces, cells, centres), highest + 1);
+    if (!buildNeighbourLists<Records2D>(cells))
+        return false;
+    listSlots<Records2D>(faces, cells);
+    shapeCells(faces, cells, centres);
     return true;
 }
 
 } // namespace
 
 std::int32_t countCells2D() {
-    return highestCell<Records2D>() + 1;
+    return highestCell(gatherFaces<Records2D>()) + 1;
 }
 
 bool buildGeometry2D() {
-    return buildWithinMemory(build);
+    return buildGeometry2D(Storage::automatic);
+}
+
+bool buildGeometry2D(Storage storage) {
+    return buildWithinMemory(build, storage);
 }
 
 double minFaceLength2D() {
-    return smallestOfFaces(mesh.faces2D, &FaceRecord::length);
+    return smallestOfFaces<FaceRecord>(mesh.faces2D, [](const FaceRecord& f) -> double { return f.length; });
 }
 
 } // namespace fluvane

@@ -1,6 +1,8 @@
 // Builds cells and derived geometry of a 2D mesh from its points and faces.
 #pragma once
 
+#include "mesh/record_table.h"
+
 #include <cstdint>
 
 namespace fluvane {
@@ -18,6 +20,9 @@ std::int32_t countCells2D();
 /// whose faces do not close to a polygon give a problem line as well. The empty mesh stays empty, which is no
 /// failure.
 bool buildGeometry2D();
+
+/// The same with a choice of how the records are stored.
+bool buildGeometry2D(Storage storage);
 
 /// The smallest face length, starting from 10000.0.
 double minFaceLength2D();

@@ -3,20 +3,21 @@
 
 #include "mesh/cell_graph.h"
 #include "mesh/mesh.h"
+#include "mesh/storage_order.h"
 
 #include <array>
 #include <cmath>
+#include <span>
 
 namespace fluvane {
 
 namespace {
 
+using Cells = CellTable<Records3D>;
+using Centres = HugeArray<Vec3>; // closer together than in the records
+
 FaceRecord3D& faceAt(std::int32_t i) {
     return Records3D::face(i);
-}
-
-CellRecord3D& cellAt(std::int32_t c) {
-    return Records3D::cell(c);
 }
 
 Vec3 pointAt(std::int32_t p) {
@@ -42,14 +43,15 @@ Vec3 cross(const Vec3& a, const Vec3& b) {
 }
 
 /// The arithmetic mean of some points.
-Vec3 meanOf(const std::int32_t* nodes, std::int32_t count) {
+Vec3 meanOf(std::span<const std::int32_t> nodes) {
     Vec3 sum;
-    for (std::int32_t k = 0; k < count; ++k) {
-        const Vec3 p = pointAt(nodes[k]);
+    for (const std::int32_t node : nodes) {
+        const Vec3 p = pointAt(node);
         sum.x += p.x;
         sum.y += p.y;
         sum.z += p.z;
     }
+    const auto count = static_cast<double>(nodes.size());
     return {sum.x / count, sum.y / count, sum.z / count};
 }
 
@@ -71,20 +73,19 @@ double quadrilateralArea(const Vec3& p0, const Vec3& p1, const Vec3& p2, const V
 }
 
 /// The unit normal pointing away from a cell; a face whose first three nodes lie on one line has none.
-Vec3 outward(const Vec3& n, double length, const Vec3& faceCentre, const CellRecord3D& cell) {
+Vec3 outward(const Vec3& n, double length, const Vec3& faceCentre, const Vec3& cellCentre) {
     if (length == 0.0)
         return {};
-    const Vec3 away{faceCentre.x - cell.xc, faceCentre.y - cell.yc, faceCentre.z - cell.zc};
-    const bool inward = dot(away, n) < 0.0;
+    const bool inward = dot(faceCentre - cellCentre, n) < 0.0;
     const Vec3 out = inward ? Vec3{-n.x, -n.y, -n.z} : n;
     return {out.x / length, out.y / length, out.z / length};
 }
 
-void shapeFace(FaceRecord3D& face) {
+void shapeFace(FaceRecord3D& face, const Centres& centres) {
     const Vec3 p0 = pointAt(face.nodes[0]);
     const Vec3 p1 = pointAt(face.nodes[1]);
     const Vec3 p2 = pointAt(face.nodes[2]);
-    const Vec3 centre = meanOf(face.nodes.data(), face.nodeCount);
+    const Vec3 centre = meanOf({face.nodes.data(), static_cast<std::size_t>(face.nodeCount)});
     face.xf = centre.x;
     face.yf = centre.y;
     face.zf = centre.z;
@@ -92,23 +93,23 @@ void shapeFace(FaceRecord3D& face) {
                                     : quadrilateralArea(p0, p1, p2, pointAt(face.nodes[3]));
     const Vec3 n = cross(p1 - p0, p2 - p0);
     const double length = lengthOf(n);
-    const Vec3 n0 = outward(n, length, centre, cellAt(face.c0));
+    const Vec3 n0 = outward(n, length, centre, centres[static_cast<std::size_t>(face.c0)]);
     face.n0x = n0.x;
     face.n0y = n0.y;
     face.n0z = n0.z;
     if (face.c1 == -1)
         return;
-    const Vec3 n1 = outward(n, length, centre, cellAt(face.c1));
+    const Vec3 n1 = outward(n, length, centre, centres[static_cast<std::size_t>(face.c1)]);
     face.n1x = n1.x;
     face.n1y = n1.y;
     face.n1z = n1.z;
 }
 
-void shapeFaces() {
+void shapeFaces(const Centres& centres) {
     const std::int32_t F = mesh.totalFaceCount();
 #pragma omp parallel for schedule(static)
-    for (std::int32_t i = 0; i < F; ++i)
-        shapeFace(faceAt(i));
+    for (std::int32_t slot = 0; slot < F; ++slot)
+        shapeFace(mesh.faces3D.data()[slot], centres);
 }
 
 /// Sets the volume of a cell of four nodes. False when they lie in one plane.
@@ -124,19 +125,19 @@ bool setVolume(CellRecord3D& cell) {
     return product > rounding * (lengthOf(a) * lengthOf(b) * lengthOf(c));
 }
 
-/// Sets centres, and the volumes of cells of four nodes; other cells keep 0.
-FlawedCells placeCells(HugeArray<Vec3>& centres) {
+/// Fills the records' connections and centres, and the volumes of cells of four nodes; other cells keep 0.
+FlawedCells placeCells(const Cells& cells, const Centres& centres) {
     FlawedCells flat;
 #pragma omp parallel for schedule(static) reduction(addFlaws : flat)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        CellRecord3D& cell = cellAt(c);
-        const Vec3 centre = meanOf(cell.nodes.data(), cell.nodeCount);
-        cell.xc = centre.x;
-        cell.yc = centre.y;
-        cell.zc = centre.z;
-        centres[static_cast<std::size_t>(c)] = centre;
+    for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
+        const std::size_t i = mesh.cells3D.order().number(static_cast<std::size_t>(slot));
+        CellRecord3D& cell = mesh.cells3D.data()[slot];
+        fillConnections(cells[i], cell);
+        cell.xc = centres[i].x;
+        cell.yc = centres[i].y;
+        cell.zc = centres[i].z;
         if (cell.nodeCount == 4 && !setVolume(cell))
-            flat.add(c);
+            flat.add(static_cast<std::int32_t>(i));
     }
     return flat;
 }
@@ -178,7 +179,7 @@ struct Symmetric {
 
 /// Least-squares weights, with which the gradient of phi is the sum of lsq[j] (phi_c - phi_j). False, with
 /// weights 0, when all neighbours lie in one plane through the centre.
-bool setWeights(CellRecord3D& cell, const Vec3& centre, const HugeArray<Vec3>& centres) {
+bool setWeights(CellRecord3D& cell, const Vec3& centre, const Centres& centres) {
     // The determinant's own rounding when it should be 0, relative to the product of the diagonal. That
     // product bounds the determinant and scales with it when an axis is stretched.
     constexpr double rounding = 1e-13;
@@ -213,18 +214,19 @@ bool setWeights(CellRecord3D& cell, const Vec3& centre, const HugeArray<Vec3>& c
 }
 
 /// Everything that needs points. False, with one problem line, when cells are no tetrahedra.
-bool shapeCells() {
-    HugeArray<Vec3> centres(static_cast<std::size_t>(mesh.cellCount)); // closer together than in the records
-    const FlawedCells flat = placeCells(centres);
-    shapeFaces();
+bool shapeCells(const Cells& cells, const Centres& centres) {
+    const FlawedCells flat = placeCells(cells, centres);
+    shapeFaces(centres);
     FlawedCells otherShapes;
     FlawedCells singular;
 #pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, singular)
-    for (std::int32_t c = 0; c < mesh.cellCount; ++c) {
-        CellRecord3D& cell = cellAt(c);
+    for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
+        const std::size_t i = mesh.cells3D.order().number(static_cast<std::size_t>(slot));
+        const auto c = static_cast<std::int32_t>(i);
+        CellRecord3D& cell = mesh.cells3D.data()[slot];
         if (!collectFaces(cell, c))
             otherShapes.add(c);
-        if (!setWeights(cell, centres[static_cast<std::size_t>(c)], centres))
+        if (!setWeights(cell, centres[i], centres))
             singular.add(c);
     }
     reportCells<Records3D>(otherShapes, QStringLiteral("the cell is not a tetrahedron of four triangles, and "
@@ -237,24 +239,36 @@ bool shapeCells() {
     return true;
 }
 
-bool build() {
+bool build(Storage storage) {
     if (mesh.totalFaceCount() == 0)
         return true; // the empty mesh has no cells either
-    const std::int32_t highest = highestCell<Records3D>();
-    if (!checkHighestCell(highest) || !checkFaces<Records3D>(highest + 1))
+    const FaceTable<Records3D> faces = gatherFaces<Records3D>();
+    const std::int32_t highest = highestCell(faces);
+    if (!checkHighestCell(highest) || !checkFaces<Records3D>(faces, highest + 1))
         return false;
-    mesh.allocateCells3D(highest + 1);
-    return connectMesh<Records3D>() && shapeCells();
+    Cells cells(static_cast<std::size_t>(highest) + 1);
+    if (!connectCells<Records3D>(faces, cells))
+        return false;
+    const Centres centres(cells.size(), [&cells](std::size_t c) { return meanOf(cells[c].allNodes()); });
+    storeInOrder<Records3D>(chooseOrder<Records3D>(storage, faces, cells, centres), highest + 1);
+    if (!buildNeighbourLists<Records3D>(cells))
+        return false;
+    listSlots<Records3D>(faces, cells);
+    return shapeCells(cells, centres);
 }
 
 } // namespace
 
 bool buildGeometry3D() {
-    return buildWithinMemory(build);
+    return buildGeometry3D(Storage::automatic);
+}
+
+bool buildGeometry3D(Storage storage) {
+    return buildWithinMemory(build, storage);
 }
 
 double minFaceArea3D() {
-    return smallestOfFaces(mesh.faces3D, &FaceRecord3D::area);
+    return smallestOfFaces<FaceRecord3D>(mesh.faces3D, [](const FaceRecord3D& f) { return f.area; });
 }
 
 } // namespace fluvane

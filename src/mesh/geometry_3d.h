@@ -1,6 +1,8 @@
 // Builds cells and derived geometry of a 3D mesh from its points and faces.
 #pragma once
 
+#include "mesh/record_table.h"
+
 namespace fluvane {
 
 /// Creates the cells and fills connectivity, neighbour lists (face neighbours, then the second ring), face
@@ -13,6 +15,9 @@ namespace fluvane {
 /// problem line each; a face whose first three nodes lie on one line has the normal (0, 0, 0). The empty mesh
 /// stays empty, which is no failure.
 bool buildGeometry3D();
+
+/// The same with a choice of how the records are stored.
+bool buildGeometry3D(Storage storage);
 
 /// The smallest face area, starting from 10000.0. Deliberate: quadrilaterals count with the area of their
 /// projection on the x-y plane, so an upright one makes it 0.

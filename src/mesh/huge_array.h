@@ -3,8 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 #if defined(__linux__)
@@ -13,34 +15,31 @@
 
 namespace fluvane {
 
-/// Owns `size` value-initialised elements. Those of a large array are constructed by the OpenMP threads in
-/// contiguous shares, so that each page is first touched by the thread that later works on that share.
-/// Allocation failure throws std::bad_alloc. Move only.
+/// Whether bytes of zero are a value-initialised T, so that an array of it may stay memory that nobody
+/// touched.
+template <class T>
+constexpr bool isZeroBytes = std::is_arithmetic_v<T>;
+
+/// Owns `size` value-initialised elements. Those that are zero bytes are left to the system, which maps and
+/// clears a page when it is first touched: what no loop uses takes no memory, and what one uses lies near the
+/// thread that first worked on it. Others are constructed by the OpenMP threads in contiguous shares, to the
+/// same end. Allocation failure throws std::bad_alloc. Move only.
 template <class T>
 class HugeArray {
 public:
     HugeArray() = default;
     explicit HugeArray(std::size_t size) : m_size(size) {
-        if (size == 0)
-            return;
-        if (size > SIZE_MAX / sizeof(T))
-            throw std::bad_alloc();
-        const std::size_t bytes = size * sizeof(T);
-        m_alignment = bytes >= hugePage ? hugePage : std::size_t{64};
-        m_data = static_cast<T*>(::operator new(bytes, std::align_val_t(m_alignment)));
-#if defined(__linux__) && defined(MADV_HUGEPAGE)
-        if (m_alignment == hugePage)
-            madvise(m_data, bytes, MADV_HUGEPAGE);
-#endif
-        T* const data = m_data;
-        const auto count = static_cast<std::ptrdiff_t>(size);
-#pragma omp parallel for schedule(static) if (bytes >= hugePage)
-        for (std::ptrdiff_t i = 0; i < count; ++i)
-            std::construct_at(data + i);
+        allocate();
+        if constexpr (!isZeroBytes<T>)
+            construct([](T* element, std::size_t) { std::construct_at(element); });
     }
-    HugeArray(HugeArray&& other) noexcept {
-        swap(other);
+    /// Element i is a copy of source(i).
+    template <class Source>
+    HugeArray(std::size_t size, const Source& source) : m_size(size) {
+        allocate();
+        construct([&source](T* element, std::size_t i) { std::construct_at(element, source(i)); });
     }
+    HugeArray(HugeArray&& other) noexcept { swap(other); }
     HugeArray& operator=(HugeArray&& other) noexcept {
         HugeArray(std::move(other)).swap(*this);
         return *this;
@@ -51,51 +50,63 @@ public:
         if (!m_data)
             return;
         std::destroy_n(m_data, m_size);
-        ::operator delete(m_data, std::align_val_t(m_alignment));
+        std::free(m_block);
     }
 
-    T& operator[](std::size_t i) {
-        return m_data[i];
-    }
-    const T& operator[](std::size_t i) const {
-        return m_data[i];
-    }
-    T* data() {
-        return m_data;
-    }
-    const T* data() const {
-        return m_data;
-    }
-    T* begin() {
-        return m_data;
-    }
-    T* end() {
-        return m_data + m_size;
-    }
-    const T* begin() const {
-        return m_data;
-    }
-    const T* end() const {
-        return m_data + m_size;
-    }
-    std::size_t size() const {
-        return m_size;
-    }
-    bool empty() const {
-        return m_size == 0;
-    }
+    T& operator[](std::size_t i) { return m_data[i]; }
+    const T& operator[](std::size_t i) const { return m_data[i]; }
+    T* data() { return m_data; }
+    const T* data() const { return m_data; }
+    T* begin() { return m_data; }
+    T* end() { return m_data + m_size; }
+    const T* begin() const { return m_data; }
+    const T* end() const { return m_data + m_size; }
+    std::size_t size() const { return m_size; }
+    /// Bytes of the elements, mapped or not.
+    std::size_t bytes() const { return m_size * sizeof(T); }
+    bool empty() const { return m_size == 0; }
 
 private:
     void swap(HugeArray& other) noexcept {
         std::swap(m_data, other.m_data);
         std::swap(m_size, other.m_size);
-        std::swap(m_alignment, other.m_alignment);
+        std::swap(m_block, other.m_block);
+    }
+
+    template <class Maker>
+    void construct(const Maker& make) {
+        T* const data = m_data;
+        const auto count = static_cast<std::ptrdiff_t>(m_size);
+#pragma omp parallel for schedule(static) if (bytes() >= hugePage)
+        for (std::ptrdiff_t i = 0; i < count; ++i)
+            make(data + i, static_cast<std::size_t>(i));
+    }
+
+    /// Large blocks come from calloc untouched, and stay so before the first aligned byte. Only whole huge
+    /// pages are asked for: a last one would map more than the array.
+    void allocate() {
+        if (m_size == 0)
+            return;
+        if (m_size > SIZE_MAX / 2 / sizeof(T))
+            throw std::bad_alloc();
+        const std::size_t bytes = m_size * sizeof(T);
+        const std::size_t alignment = bytes >= hugePage ? hugePage : std::size_t{64};
+        m_block = std::calloc(bytes + alignment, 1);
+        if (!m_block)
+            throw std::bad_alloc();
+        void* first = m_block;
+        std::size_t space = bytes + alignment;
+        m_data = static_cast<T*>(std::align(alignment, bytes, first, space));
+#if defined(__linux__) && defined(MADV_HUGEPAGE)
+        if (bytes >= hugePage)
+            madvise(m_data, bytes / hugePage * hugePage, MADV_HUGEPAGE);
+#endif
     }
 
     static constexpr std::size_t hugePage = std::size_t{2} << 20;
+    void* m_block = nullptr; ///< what the allocator gave; m_data is its first aligned address
     T* m_data = nullptr;
     std::size_t m_size = 0;
-    std::size_t m_alignment = 64;
 };
 
 } // namespace fluvane

@@ -15,67 +15,65 @@ std::size_t velocityTotal() {
 }
 
 template <class Face>
-HugeArray<Face> facesOf(std::int32_t count, FacePools& pools) {
+RecordTable<Face> facesOf(std::int32_t count, FacePools& pools) {
     const auto n = static_cast<std::size_t>(count);
     const std::size_t Q = velocityTotal();
-    HugeArray<Face> faces(n);
     pools.fFace = HugeArray<double>(n * Q);
     pools.gFace = HugeArray<double>(n * Q);
-    for (std::size_t i = 0; i < n; ++i) {
-        faces[i].fFace = pools.fFace.data() + i * Q;
-        faces[i].gFace = pools.gFace.data() + i * Q;
-    }
-    return faces;
-}
-
-GradientSlice2D sliceOf(const GradientSlice2D&, double* first, std::size_t Q) {
-    return {first, first + Q};
-}
-
-GradientSlice3D sliceOf(const GradientSlice3D&, double* first, std::size_t Q) {
-    return {first, first + Q, first + 2 * Q};
+    return RecordTable<Face>(n);
 }
 
 template <class Cell>
-HugeArray<Cell> cellsOf(std::int32_t count, std::size_t dimensions, CellPools& p) {
+RecordTable<Cell> cellsOf(std::int32_t count, StorageOrder order, std::size_t dimensions, CellPools& p) {
     const auto n = static_cast<std::size_t>(count);
     const std::size_t Q = velocityTotal();
-    HugeArray<Cell> cells(n);
     for (HugeArray<double>* pool :
          {&p.fTilde, &p.fBarPlus, &p.fTildePlus, &p.gTilde, &p.gBarPlus, &p.gTildePlus})
         *pool = HugeArray<double>(n * Q);
     p.gradFBarPlus = HugeArray<double>(n * dimensions * Q);
     p.gradGBarPlus = HugeArray<double>(n * dimensions * Q);
-    for (std::size_t i = 0; i < n; ++i) {
-        Cell& c = cells[i];
-        c.fTilde = p.fTilde.data() + i * Q;
-        c.fBarPlus = p.fBarPlus.data() + i * Q;
-        c.fTildePlus = p.fTildePlus.data() + i * Q;
-        c.gTilde = p.gTilde.data() + i * Q;
-        c.gBarPlus = p.gBarPlus.data() + i * Q;
-        c.gTildePlus = p.gTildePlus.data() + i * Q;
-        c.gradFBarPlus = sliceOf(c.gradFBarPlus, p.gradFBarPlus.data() + i * dimensions * Q, Q);
-        c.gradGBarPlus = sliceOf(c.gradGBarPlus, p.gradGBarPlus.data() + i * dimensions * Q, Q);
-    }
-    return cells;
+    return RecordTable<Cell>(n, std::move(order));
 }
 
 template <class Cell, class Weight>
-void makeNeighbourSlices(const std::vector<std::int32_t>& start, HugeArray<Cell>& cells,
-                         HugeArray<std::int32_t>& neighbours, HugeArray<Weight>& weights) {
+void makeNeighbourLists(const std::vector<std::int32_t>& start, RecordTable<Cell>& cells,
+                        HugeArray<std::int32_t>& neighbours, HugeArray<Weight>& weights) {
     const auto total = static_cast<std::size_t>(start.empty() ? 0 : start.back());
     neighbours = HugeArray<std::int32_t>(total);
     weights = HugeArray<Weight>(total);
-    for (std::size_t i = 0; i + 1 < start.size(); ++i) {
-        Cell& c = cells[i];
-        const auto first = static_cast<std::size_t>(start[i]);
-        c.neighbourCount = start[i + 1] - start[i];
-        c.neighbours = neighbours.data() + first;
-        c.lsq = weights.data() + first;
+    const auto count = static_cast<std::ptrdiff_t>(start.size()) - 1;
+#pragma omp parallel for schedule(static)
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        const auto slot = static_cast<std::size_t>(i);
+        cells.data()[slot].neighbourCount = start[slot + 1] - start[slot];
     }
 }
 
+/// The area vector that the second cell of a face keeps for it.
+Vec2 secondAreaVector(const void* part) {
+    const std::size_t slot = mesh.faces2D.slotOf(part);
+    if (slot >= mesh.faces2D.size())
+        return {};
+    const auto number = static_cast<std::int32_t>(mesh.faces2D.order().number(slot));
+    const std::int32_t c1 = mesh.faces2D.data()[slot].c1;
+    if (c1 < 0 || c1 >= mesh.cellCount)
+        return {};
+    const CellRecord& cell = mesh.cells2D[static_cast<std::size_t>(c1)];
+    for (std::size_t k = 0; k < cell.faces.size(); ++k)
+        if (cell.faces[k] == number)
+            return cell.S[k];
+    return {};
+}
+
 } // namespace
+
+double secondAreaX(const void* part) {
+    return secondAreaVector(part).x;
+}
+
+double secondAreaY(const void* part) {
+    return secondAreaVector(part).y;
+}
 
 void Mesh::clear() {
     *this = Mesh{};
@@ -99,9 +97,20 @@ bool Mesh::matchesVelocitySet() const {
     return recordVelocityCount == velocitySet.velocityCount;
 }
 
+std::size_t Mesh::bytes() const {
+    const std::size_t points = (pointX.size() + pointY.size() + pointZ.size()) * sizeof(double);
+    const std::size_t records = faces2D.bytes() + faces3D.bytes() + cells2D.bytes() + cells3D.bytes();
+    const std::size_t lists = neighbourStart.size() * sizeof(std::int32_t) + neighbourList.bytes() +
+                              lsqList2D.bytes() + lsqList3D.bytes() + cellNodes2D.bytes() +
+                              neighbourSlots.bytes() + faceCellSlots.bytes() + cellFaceSlots2D.bytes() +
+                              cellFaceSlots3D.bytes();
+    return points + records + lists + cellPools.bytes() + facePools.bytes();
+}
+
 void Mesh::allocateFaces2D(std::int32_t count) {
     recordVelocityCount = velocitySet.velocityCount;
     faces2D = facesOf<FaceRecord>(count, facePools);
+    wallLiquidFractions = {};
 }
 
 void Mesh::allocateFaces3D(std::int32_t count) {
@@ -109,26 +118,28 @@ void Mesh::allocateFaces3D(std::int32_t count) {
     faces3D = facesOf<FaceRecord3D>(count, facePools);
 }
 
-void Mesh::allocateCells2D(std::int32_t count) {
+void Mesh::allocateCells2D(std::int32_t count, StorageOrder order) {
     recordVelocityCount = velocitySet.velocityCount;
     cellCount = count;
-    cells2D = cellsOf<CellRecord>(count, 2, cellPools);
+    cells2D = cellsOf<CellRecord>(count, std::move(order), 2, cellPools);
+    cellNodes2D = HugeArray<std::int32_t>(static_cast<std::size_t>(count) * CellRecord::maxNodes,
+                                          [](std::size_t) { return -1; });
 }
 
-void Mesh::allocateCells3D(std::int32_t count) {
+void Mesh::allocateCells3D(std::int32_t count, StorageOrder order) {
     recordVelocityCount = velocitySet.velocityCount;
     cellCount = count;
-    cells3D = cellsOf<CellRecord3D>(count, 3, cellPools);
+    cells3D = cellsOf<CellRecord3D>(count, std::move(order), 3, cellPools);
 }
 
 void Mesh::allocateNeighbours2D(std::vector<std::int32_t> start) {
     neighbourStart = std::move(start);
-    makeNeighbourSlices(neighbourStart, cells2D, neighbourList, lsqList2D);
+    makeNeighbourLists(neighbourStart, cells2D, neighbourList, lsqList2D);
 }
 
 void Mesh::allocateNeighbours3D(std::vector<std::int32_t> start) {
     neighbourStart = std::move(start);
-    makeNeighbourSlices(neighbourStart, cells3D, neighbourList, lsqList3D);
+    makeNeighbourLists(neighbourStart, cells3D, neighbourList, lsqList3D);
 }
 
 } // namespace fluvane

@@ -78,7 +78,7 @@ void appendFace2D(FileText& text, std::size_t index, const FaceRecord& face) {
         text += "   ";
         appendNumber(text, value);
     }
-    for (const double value : {face.fl, face.H}) {
+    for (const double value : {double{face.fl}, face.H}) {
         text += ' ';
         appendNumber(text, value);
     }

@@ -176,14 +176,14 @@ void resetFields2D() {
     const auto count = static_cast<std::ptrdiff_t>(mesh.cells2D.size());
 #pragma omp parallel for schedule(static)
     for (std::ptrdiff_t i = 0; i < count; ++i) {
-        CellRecord& cell = mesh.cells2D[static_cast<std::size_t>(i)];
+        CellRecord& cell = mesh.cells2D.data()[i];
         cell.rho = initialDensity;
         cell.u = cell.v = 0.0;
         cell.T = initialTemperature;
         if (enthalpyForm)
             cell.H = state.H;
-        std::copy_n(state.f.data(), Q, cell.fTilde);
-        std::copy_n(state.g.data(), Q, cell.gTilde);
+        std::copy_n(state.f.data(), Q, cell.fTilde.data());
+        std::copy_n(state.g.data(), Q, cell.gTilde.data());
     }
 }
 
@@ -195,12 +195,12 @@ void resetFields3D() {
     const auto count = static_cast<std::ptrdiff_t>(mesh.cells3D.size());
 #pragma omp parallel for schedule(static)
     for (std::ptrdiff_t i = 0; i < count; ++i) {
-        CellRecord3D& cell = mesh.cells3D[static_cast<std::size_t>(i)];
+        CellRecord3D& cell = mesh.cells3D.data()[i];
         cell.rho = initialDensity;
         cell.u = cell.v = cell.w = 0.0;
         cell.T = initialTemperature;
-        std::copy_n(state.f.data(), Q, cell.fTilde);
-        std::copy_n(state.g.data(), Q, cell.gTilde);
+        std::copy_n(state.f.data(), Q, cell.fTilde.data());
+        std::copy_n(state.g.data(), Q, cell.gTilde.data());
     }
 }
 

@@ -119,6 +119,31 @@ FLUVANE_FORCE_INLINE double alongOne(const StepConstants& c, int k, const Vector
     return e;
 }
 
+// ---- connections ------------------------------------------------------------------------------------------
+
+// A record names others by number; where the mesh is stored in another order, compact lists say where those
+// lie.
+
+struct Sides {
+    std::ptrdiff_t c0;
+    std::ptrdiff_t c1;
+};
+
+/// Where the two cells of a face lie.
+template <class Data>
+FLUVANE_FORCE_INLINE Sides sidesOf(const Data& d, const typename Data::FaceType& face) {
+    if (!d.faceCells)
+        return {face.c0, face.c1};
+    const auto& cells = d.faceCells[&face - d.faces];
+    return {cells[0], cells[1]};
+}
+
+/// Where the faces of a cell lie.
+template <class Data>
+FLUVANE_FORCE_INLINE const std::int32_t* facesOf(const Data& d, const typename Data::CellType& cell) {
+    return d.cellFaces ? d.cellFaces[&cell - d.cells].data() : cell.faces.data();
+}
+
 // ---- moments ----------------------------------------------------------------------------------------------
 
 template <int D>
@@ -339,13 +364,14 @@ FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const Data& d,
                                          const double* gradient, double* out) {
     constexpr int D = Data::dimensions;
     const std::ptrdiff_t q = stride<Q>(c);
-    const Vector<D> d0 = centreOf(face) - centreOf(d.cells[face.c0]);
-    const Vector<D> d1 = centreOf(face) - centreOf(d.cells[face.c1]);
+    const auto [c0, c1] = sidesOf(d, face);
+    const Vector<D> d0 = centreOf(face) - centreOf(d.cells[c0]);
+    const Vector<D> d1 = centreOf(face) - centreOf(d.cells[c1]);
     const Vector<D> S = outwardOf(face);
-    const double* const bar0 = barPlus + face.c0 * q;
-    const double* const bar1 = barPlus + face.c1 * q;
-    const double* const gradient0 = gradient + D * q * face.c0;
-    const double* const gradient1 = gradient + D * q * face.c1;
+    const double* const bar0 = barPlus + c0 * q;
+    const double* const bar1 = barPlus + c1 * q;
+    const double* const gradient0 = gradient + D * q * c0;
+    const double* const gradient1 = gradient + D * q * c1;
     overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
         using R = decltype(row);
         const R side = along<R>(c, k, S);
@@ -369,7 +395,8 @@ FLUVANE_FORCE_INLINE void prefetchSides(const StepConstants& c, const Data& d,
                                         const typename Data::FaceType& face) {
     constexpr int D = Data::dimensions;
     const std::ptrdiff_t q = stride<Q>(c);
-    for (const std::ptrdiff_t cell : {face.c0, face.c1}) {
+    const auto [c0, c1] = sidesOf(d, face);
+    for (const std::ptrdiff_t cell : {c0, c1}) {
         prefetchNumbers(&d.cells[cell].xc, 1);
         if (c.heatOn()) {
             prefetchNumbers(d.gBarPlus + cell * q, q);
@@ -437,8 +464,9 @@ FLUVANE_FORCE_INLINE OneSided<Data::dimensions> oneSided(const StepConstants& c,
                                                          const typename Data::FaceType& face,
                                                          const double* barPlus, const double* gradient) {
     const std::ptrdiff_t q = c.velocityCount;
-    return {barPlus + face.c0 * q, gradient + Data::dimensions * q * face.c0, q,
-            centreOf(face) - centreOf(d.cells[face.c0])};
+    const std::ptrdiff_t cell = sidesOf(d, face).c0;
+    return {barPlus + cell * q, gradient + Data::dimensions * q * cell, q,
+            centreOf(face) - centreOf(d.cells[cell])};
 }
 
 /// Fills the face's g from the thermal condition; returns the sum that a constant-flux wall gathers per
@@ -499,16 +527,18 @@ FLUVANE_FORCE_INLINE double sizeOf(const CellRecord3D& cell) {
 }
 
 /// tilde = plus - dt/size times the sum of the outward fluxes, faces in the order they were attached.
-template <int Q, class Cell>
-FLUVANE_FORCE_INLINE void addFluxes(const StepConstants& c, const Cell& cell, const double* facePool,
+template <int Q, class Data>
+FLUVANE_FORCE_INLINE void addFluxes(const StepConstants& c, const Data& d,
+                                    const typename Data::CellType& cell, const double* facePool,
                                     const double* plus, double* tilde) {
     const std::ptrdiff_t q = stride<Q>(c);
     const double rate = c.dt / sizeOf(cell);
+    const std::int32_t* const faces = facesOf(d, cell);
     overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
         using R = decltype(row);
         R flux = R::zero();
         for (std::size_t j = 0; j < static_cast<std::size_t>(cell.faceCount); ++j)
-            flux = flux + fluxAcross<R>(c, k, cell, j, R::load(facePool + cell.faces[j] * q + k));
+            flux = flux + fluxAcross<R>(c, k, cell, j, R::load(facePool + faces[j] * q + k));
         (R::load(plus + k) - rate * flux).store(tilde + k);
     });
 }
@@ -535,7 +565,7 @@ FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const Data& d, std
         double* const tilde = d.fTilde + i * q;
         FlowMoments<D> moments[N];
         for (int n = 0; n < N; ++n)
-            addFluxes<Q>(c, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
+            addFluxes<Q>(c, d, cells[n], d.fFace, d.fTildePlus + (i + n) * q, tilde + n * q);
         flowMoments<D, Q>(c, tilde, moments);
         for (int n = 0; n < N; ++n) {
             keepVelocity(cells[n]);
@@ -546,7 +576,7 @@ FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const Data& d, std
         double* const tilde = d.gTilde + i * q;
         double total[N];
         for (int n = 0; n < N; ++n)
-            addFluxes<Q>(c, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
+            addFluxes<Q>(c, d, cells[n], d.gFace, d.gTildePlus + (i + n) * q, tilde + n * q);
         sums<Q>(c, tilde, total);
         for (int n = 0; n < N; ++n)
             setThermal(cells[n], total[n]);

@@ -120,7 +120,7 @@ void reconstruct(const StepConstants& c, const StepData2D& d, std::int32_t first
 // ---- boundary faces -------------------------------------------------------------------------------------
 
 void boundaryHeat(const StepConstants& c, const StepData2D& d, FaceRecord& face, double* g) {
-    const CellRecord& cell = d.cells[face.c0];
+    const CellRecord& cell = d.cells[sidesOf(d, face).c0];
     const double length = std::sqrt(square(outwardOf(face)));
     const double gathered = mirrorHeat(c, face, length, oneSided(c, d, face, d.gBarPlus, d.gradGBarPlus), g);
     if (c.enthalpyForm()) {
@@ -146,7 +146,7 @@ void boundaryHeat(const StepConstants& c, const StepData2D& d, FaceRecord& face,
 }
 
 void boundaryFlow(const StepConstants& c, const StepData2D& d, FaceRecord& face, double* f) {
-    const CellRecord& cell = d.cells[face.c0];
+    const CellRecord& cell = d.cells[sidesOf(d, face).c0];
     const OneSided<2> reconstructed = oneSided(c, d, face, d.fBarPlus, d.gradFBarPlus);
     face.rho = cell.rho;
     const bool open = face.flowKind == outflow;

@@ -9,8 +9,8 @@ namespace fluvane {
 
 /// The index of a record that lives in one of the mesh's record arrays.
 template <class Record>
-std::int32_t indexIn(const HugeArray<Record>& records, const Record& record) {
-    return static_cast<std::int32_t>(&record - records.data());
+std::int32_t indexIn(const RecordTable<Record>& records, const Record& record) {
+    return static_cast<std::int32_t>(records.slotOf(&record));
 }
 
 /// Applies the chosen body of the kernels in use to record i alone, with the settings as they stand.

@@ -11,7 +11,8 @@ template <class Data>
 Data withPools(Data d) {
     CellPools& p = mesh.cellPools;
     d.neighbourStart = mesh.neighbourStart.data();
-    d.neighbours = mesh.neighbourList.data();
+    d.neighbours = mesh.neighbourSlots.empty() ? mesh.neighbourList.data() : mesh.neighbourSlots.data();
+    d.faceCells = mesh.faceCellSlots.data();
     d.fTilde = p.fTilde.data();
     d.fBarPlus = p.fBarPlus.data();
     d.fTildePlus = p.fTildePlus.data();
@@ -31,6 +32,7 @@ StepData2D stepData2D() {
     StepData2D d;
     d.cells = mesh.cells2D.data();
     d.faces = mesh.faces2D.data();
+    d.cellFaces = mesh.cellFaceSlots2D.data();
     d.lsq = mesh.lsqList2D.data();
     return withPools(d);
 }
@@ -39,6 +41,7 @@ StepData3D stepData3D() {
     StepData3D d;
     d.cells = mesh.cells3D.data();
     d.faces = mesh.faces3D.data();
+    d.cellFaces = mesh.cellFaceSlots3D.data();
     d.lsq = mesh.lsqList3D.data();
     return withPools(d);
 }

@@ -1,16 +1,12 @@
 // Where the records and pools of the mesh lie, for the loops of a step.
 #pragma once
 
-#include "velocity/velocity_set.h"
+#include "mesh/records.h"
 
+#include <array>
 #include <cstdint>
 
 namespace fluvane {
-
-struct CellRecord;
-struct CellRecord3D;
-struct FaceRecord;
-struct FaceRecord3D;
 
 /// Plain addresses of the mesh's records and pools: a kernel finds an array from a record's index without
 /// touching the record.
@@ -20,10 +16,13 @@ struct StepData {
     using CellType = Cell;
     using FaceType = Face;
 
-    Cell* cells = nullptr;
+    Cell* cells = nullptr; ///< in the order of storage, like everything here
     Face* faces = nullptr;
+    const std::array<std::int32_t, 2>* faceCells =
+        nullptr; ///< where a face's cells lie; null: at their numbers
+    const std::array<std::int32_t, Cell::maxFaces>* cellFaces = nullptr; ///< the same of a cell's faces
     const std::int32_t* neighbourStart = nullptr;
-    const std::int32_t* neighbours = nullptr;
+    const std::int32_t* neighbours = nullptr; ///< where they lie
     const Weights* lsq = nullptr;
     double* fTilde = nullptr;
     double* fBarPlus = nullptr;

@@ -72,7 +72,7 @@ void reconstruct(const StepConstants& c, const StepData3D& d, std::int32_t first
 template <int Q>
 void boundaryHeat(const StepConstants& c, const StepData3D& d, FaceRecord3D& face, double* g) {
     if (face.thermalKind != constantTemperature && face.thermalKind != constantFlux)
-        face.T = d.cells[face.c0].T;
+        face.T = d.cells[sidesOf(d, face).c0].T;
     const double length = std::sqrt(square(outwardOf(face)));
     const double gathered = mirrorHeat(c, face, length, oneSided(c, d, face, d.gBarPlus, d.gradGBarPlus), g);
     if (face.thermalKind == constantFlux)
@@ -89,7 +89,7 @@ void boundaryHeat(const StepConstants& c, const StepData3D& d, FaceRecord3D& fac
 /// w.
 template <int Q>
 void boundaryFlow(const StepConstants& c, const StepData3D& d, FaceRecord3D& face, double* f) {
-    const CellRecord3D& cell = d.cells[face.c0];
+    const CellRecord3D& cell = d.cells[sidesOf(d, face).c0];
     const OneSided<3> reconstructed = oneSided(c, d, face, d.fBarPlus, d.gradFBarPlus);
     const bool open = face.flowKind == outflow;
     if (open) {

@@ -3,8 +3,10 @@
 
 #include "mesh/fluent_reader_2d.h"
 #include "mesh/mesh.h"
+#include "plain_geometry_2d.h"
 #include "support/captured_terminal.h"
 #include "support/grid_mesh.h"
+#include "support/mesh_builder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -101,7 +103,7 @@ void setDistortedMesh(int n, bool turned = false) {
 
 std::vector<int> neighboursOf(std::size_t c) {
     const CellRecord& cell = mesh.cells2D[c];
-    return {cell.neighbours, cell.neighbours + cell.neighbourCount};
+    return {cell.neighbours.data(), cell.neighbours + cell.neighbourCount};
 }
 
 double pointAngle(const CellRecord& cell, int node) {
@@ -427,6 +429,69 @@ TEST_F(Geometry2DTest, EmptyMeshStaysEmpty) {
     EXPECT_EQ(mesh.cellCount, 0);
     EXPECT_EQ(minFaceLength2D(), 10000.0);
     EXPECT_EQ(problems(0), "");
+}
+
+/// Compares the present mesh bit for bit.
+void expectPlainGeometry() {
+    const std::vector<testing::PlainCell2D> plain = testing::plainCells2D();
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+        const testing::PlainCell2D& a = plain[i];
+        const CellRecord& b = mesh.cells2D[i];
+        ASSERT_TRUE(std::equal(a.faces.begin(), a.faces.end(), b.faces.begin())) << i;
+        ASSERT_EQ(a.nodes, (std::vector<std::int32_t>{b.nodes.begin(), b.nodes.begin() + b.nodeCount})) << i;
+        ASSERT_EQ(a.neighbours,
+                  (std::vector<std::int32_t>{b.neighbours.data(), b.neighbours + b.neighbourCount}));
+        ASSERT_TRUE(a.xc == b.xc && a.yc == b.yc && a.area == b.area) << i;
+        for (std::size_t k = 0; k < a.S.size(); ++k) {
+            ASSERT_TRUE(a.S[k].x == b.S[k].x && a.S[k].y == b.S[k].y) << i;
+            const FaceRecord& face = mesh.faces2D[static_cast<std::size_t>(a.faces[k])];
+            const bool first = face.c0 == static_cast<std::int32_t>(i);
+            ASSERT_TRUE(a.S[k].x == (first ? face.S0x : face.S1x)) << i;
+            ASSERT_TRUE(a.S[k].y == (first ? face.S0y : face.S1y)) << i;
+        }
+        for (std::size_t j = 0; j < a.lsq.size(); ++j)
+            ASSERT_TRUE(a.lsq[j].x == b.lsq[j].x && a.lsq[j].y == b.lsq[j].y) << i;
+    }
+    for (const FaceRecord& face : mesh.faces2D) {
+        const Vec2 p0 = testing::plainPoint(face.n0), p1 = testing::plainPoint(face.n1);
+        const double dx = p0.x - p1.x, dy = p0.y - p1.y;
+        ASSERT_EQ(face.xf, (p0.x + p1.x) / 2);
+        ASSERT_EQ(face.yf, (p0.y + p1.y) / 2);
+        ASSERT_EQ(face.length, std::sqrt(dx * dx + dy * dy));
+    }
+}
+
+TEST_F(Geometry2DTest, GeometryIsThatOfThePlainestCodeBitForBit) {
+    for (const bool triangles : {false, true}) {
+        for (const double amplitude : {0.0, 0.06, 1e-9}) { // nodes level with centres, anywhere, nearly level
+            support::PlaneCells plane =
+                triangles ? support::cutRectangles(23, 17) : support::rectangles(23, 17);
+            support::distort(plane, amplitude);
+            support::shuffleCells(plane, 3);
+            support::makeMesh(plane, 4, support::sidesOfBox());
+            expectPlainGeometry();
+        }
+    }
+    support::makeMesh(support::ring(9, 40, 0.9, 3.0), 2,
+                      [](double x, double y) { return x * x + y * y > 4; });
+    expectPlainGeometry();
+}
+
+TEST_F(Geometry2DTest, OrderOfNodesSurvivesExtremeSizes) {
+    for (const double size : {1e-170, 1e-150, 1e-100, 1e100, 1e150, 1e160}) {
+        support::PlaneCells plane = support::rectangles(3, 3);
+        support::distort(plane, 0.05);
+        for (std::size_t i = 0; i < plane.x.size(); ++i) {
+            plane.x[i] *= size;
+            plane.y[i] *= size;
+        }
+        support::makeMesh(plane, 4, support::sidesOfBox(size, size));
+        const std::vector<testing::PlainCell2D> plain = testing::plainCells2D();
+        for (std::size_t i = 0; i < plain.size(); ++i)
+            EXPECT_TRUE(
+                std::equal(plain[i].nodes.begin(), plain[i].nodes.end(), mesh.cells2D[i].nodes.begin()))
+                << size << ' ' << i;
+    }
 }
 
 TEST_F(Geometry2DTest, ResultIsTheSameForEveryThreadCount) {

@@ -29,7 +29,7 @@ void setDistortedBox(int nx, int ny, int nz, unsigned seed = 3) {
 
 std::vector<int> neighboursOf(std::size_t c) {
     const CellRecord3D& cell = mesh.cells3D[c];
-    return {cell.neighbours, cell.neighbours + cell.neighbourCount};
+    return {cell.neighbours.data(), cell.neighbours + cell.neighbourCount};
 }
 
 Vec3 point(std::int32_t p) {

@@ -2,6 +2,7 @@
 #include "mesh/mesh.h"
 
 #include "support/captured_terminal.h"
+#include "support/mesh_builder.h"
 
 namespace fluvane {
 
@@ -69,6 +70,25 @@ TEST_F(MeshTest, NeighbourSlicesFollowTheOffsets) {
     EXPECT_EQ(mesh.neighbourList.size(), 5U);
 }
 
+TEST_F(MeshTest, ACellOfQuadrilateralsTakesAtMost1760Bytes) {
+    support::useD2Q9();
+    support::makeMesh(support::rectangles(200, 200), 4, support::sidesOfBox());
+    // 1008 in the pools, 208 in the cell's record, 2 x 136 in those of its faces, 12 x 20 in the lists.
+    EXPECT_LE(double(mesh.bytes()) / mesh.cellCount, 1760.0);
+    EXPECT_GE(double(mesh.bytes()) / mesh.cellCount, 1008.0 + 208.0 + 2.0 * 136.0 + 230.0);
+}
+
+TEST_F(MeshTest, BytesGrowWithWhatIsThere) {
+    velocitySet.velocityCount = 9;
+    EXPECT_EQ(Mesh{}.bytes(), 0U);
+    mesh.pointX = {0.0, 1.0};
+    EXPECT_EQ(mesh.bytes(), 16U);
+    mesh.allocateCells2D(10);
+    EXPECT_EQ(mesh.bytes(), 16U + 10 * (208 + 10 * 9 * 8));
+    mesh.allocateFaces2D(5);
+    EXPECT_EQ(mesh.bytes(), 16U + 10 * (208 + 10 * 9 * 8) + 5 * (128 + 2 * 9 * 8));
+}
+
 TEST_F(MeshTest, ClearedMeshIsEmpty) {
     velocitySet.velocityCount = 9;
     mesh.pointCount = 1;
@@ -86,6 +106,32 @@ TEST_F(MeshTest, ClearedMeshIsEmpty) {
     EXPECT_TRUE(mesh.zoneNames.empty());
     EXPECT_TRUE(mesh.faces2D.empty());
     EXPECT_TRUE(mesh.cellPools.gradFBarPlus.empty());
+}
+
+TEST(RecordOutsideTheMesh, HasItsOwnFieldsAndNoRows) {
+    mesh.clear();
+    FaceRecord face;
+    EXPECT_EQ(face.thermalKind, 0);
+    EXPECT_EQ(face.flowKind, 0);
+    EXPECT_EQ(face.q, 0.0);
+    EXPECT_EQ(face.c1, -1);
+    EXPECT_EQ(face.n0, -1);
+    EXPECT_EQ(face.S1x, 0.0);
+    face.fl = 0.5;
+    EXPECT_EQ(face.fl, 0.0);
+    EXPECT_EQ(face.fFace.data(), nullptr);
+    face.q = 2.0;
+    const FaceRecord copy = face;
+    face.q = 3.0;
+    EXPECT_EQ(copy.q, 2.0);
+    const CellRecord cell;
+    EXPECT_EQ(cell.rho, 1.0);
+    EXPECT_EQ(cell.nodes.data(), nullptr);
+    EXPECT_EQ(cell.faces[3], -1);
+    EXPECT_EQ(cell.fTilde.data(), nullptr);
+    const CellRecord3D cell3D;
+    EXPECT_EQ(cell3D.nodes[7], -1);
+    EXPECT_EQ(cell3D.gradFBarPlus.z.data(), nullptr);
 }
 
 } // namespace fluvane

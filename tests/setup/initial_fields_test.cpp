@@ -69,10 +69,6 @@ protected:
         mesh.cells3D = HugeArray<CellRecord3D>(3);
         mesh.cellPools.fTilde = HugeArray<double>(27);
         mesh.cellPools.gTilde = HugeArray<double>(27);
-        for (std::size_t i = 0; i < 3; ++i) {
-            mesh.cells3D[i].fTilde = mesh.cellPools.fTilde.data() + 9 * i;
-            mesh.cells3D[i].gTilde = mesh.cellPools.gTilde.data() + 9 * i;
-        }
         mesh.faces3D = HugeArray<FaceRecord3D>(3);
         mesh.zoneCount = 1;
         mesh.zoneLastFace[0] = 2;
@@ -85,8 +81,8 @@ protected:
         for (CellRecord& cell : mesh.cells2D) {
             cell.rho = cell.u = cell.v = cell.T = cell.H = 7.0;
             cell.Fx = cell.Fy = cell.uPrev = cell.vPrev = cell.TPrev = 7.0;
-            std::fill_n(cell.fTilde, 9, 7.0);
-            std::fill_n(cell.gTilde, 9, 7.0);
+            std::fill_n(cell.fTilde.data(), 9, 7.0);
+            std::fill_n(cell.gTilde.data(), 9, 7.0);
         }
     }
 
@@ -432,8 +428,8 @@ TEST_F(InitialFields, CellsIn3DStartInTheTemperatureFormEvenWithPhaseChange) {
     setPhaseChange(0.1, 0.5, 0.7, 0.0);
     for (CellRecord3D& cell : mesh.cells3D) {
         cell.rho = cell.u = cell.v = cell.w = cell.T = cell.H = cell.Fz = 7.0;
-        std::fill_n(cell.fTilde, 9, 7.0);
-        std::fill_n(cell.gTilde, 9, 7.0);
+        std::fill_n(cell.fTilde.data(), 9, 7.0);
+        std::fill_n(cell.gTilde.data(), 9, 7.0);
     }
     Inputs in;
     in.phase = 1;

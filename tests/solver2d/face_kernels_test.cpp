@@ -144,10 +144,10 @@ TEST_F(FaceKernels, DeliberateRotationIsTreatedAsTranslation) {
     face.v = 0.01;
     face.flowKind = 0;
     treatBoundaryFace(face);
-    const std::vector<double> translation(face.fFace, face.fFace + 9);
+    const std::vector<double> translation(face.fFace.data(), face.fFace + 9);
     face.flowKind = 1;
     treatBoundaryFace(face);
-    EXPECT_EQ(std::vector<double>(face.fFace, face.fFace + 9), translation);
+    EXPECT_EQ(std::vector<double>(face.fFace.data(), face.fFace + 9), translation);
 }
 
 TEST_F(FaceKernels, DeliberateTheLaterVisitOfATangentialPairWins) {
@@ -320,7 +320,7 @@ TEST_F(FaceKernels, DeliberateHeatRecoveryUsesTheTemperatureFormInBothThermalMod
         caseSettings.thermalMode = mode;
         FaceRecord& face = mesh.faces2D[2];
         reconstructInteriorFace(face);
-        const std::vector<double> bar(face.gFace, face.gFace + 9);
+        const std::vector<double> bar(face.gFace.data(), face.gFace + 9);
         recoverFaceDistributions(face);
         const double h = caseSettings.dt / 2.0, tau = caseSettings.tauG;
         for (int k = 0; k < 9; ++k) {

@@ -36,7 +36,7 @@ protected:
 
     static std::vector<double> heatAfterCollision() {
         collideCell3D(mesh.cells3D[7]);
-        return {mesh.cells3D[7].gTildePlus, mesh.cells3D[7].gTildePlus + Q};
+        return {mesh.cells3D[7].gTildePlus.data(), mesh.cells3D[7].gTildePlus + Q};
     }
 };
 

@@ -189,10 +189,10 @@ TEST_F(FaceKernels3D, RotationIsTreatedAsTranslation) {
     FaceRecord3D& face = wall(5);
     face.flowKind = 0;
     treatBoundaryFace3DFlow(face);
-    const std::vector<double> translation(face.fFace, face.fFace + Q);
+    const std::vector<double> translation(face.fFace.data(), face.fFace + Q);
     face.flowKind = 1;
     treatBoundaryFace3DFlow(face);
-    EXPECT_EQ(std::vector<double>(face.fFace, face.fFace + Q), translation);
+    EXPECT_EQ(std::vector<double>(face.fFace.data(), face.fFace + Q), translation);
 }
 
 TEST_F(FaceKernels3D, TheLaterVisitOfATangentialPairWins) {
@@ -319,10 +319,10 @@ TEST_F(FaceKernels3D, WallForceFollowsTheWallTemperatureOnlyWithBuoyancyAndActsA
 
 TEST_F(FaceKernels3D, EachHalfOfTheBoundaryLeavesTheOthersDistributionAlone) {
     FaceRecord3D& face = wall(2);
-    std::fill_n(face.fFace, Q, -7.0);
+    std::fill_n(face.fFace.data(), Q, -7.0);
     treatBoundaryFace3DHeat(face);
     EXPECT_EQ(face.fFace[4], -7.0);
-    std::fill_n(face.gFace, Q, -7.0);
+    std::fill_n(face.gFace.data(), Q, -7.0);
     treatBoundaryFace3DFlow(face);
     EXPECT_EQ(face.gFace[4], -7.0);
     EXPECT_NE(face.fFace[4], -7.0);

@@ -23,7 +23,8 @@ std::pair<std::int32_t, std::int32_t> facesOf(int zone) {
     return {zone == 0 ? mesh.interiorFaceCount : mesh.zoneLastFace[z - 1], mesh.zoneLastFace[z]};
 }
 
-double carriedThrough(int zone, double* FaceRecord3D::*distribution) {
+template <class Slice>
+double carriedThrough(int zone, Slice FaceRecord3D::*distribution) {
     double total = 0.0;
     for (auto [i, end] = facesOf(zone); i < end; ++i) {
         const FaceRecord3D& face = mesh.faces3D[static_cast<std::size_t>(i)];
