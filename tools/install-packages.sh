@@ -11,9 +11,11 @@ packages=(
     libgtest-dev     # GoogleTest, for the tests without windows
     libbenchmark-dev # Google Benchmark, for bench/
     python3          # the companions under tools/ and their tests
-    python3-numpy    # fluvane-mesh: faces of large meshes in little time
-    python3-meshio   # fluvane-mesh: reads most formats
+    python3-numpy    # fluvane-mesh and fluvane-view: large files in little time
+    python3-meshio   # fluvane-mesh: reads most formats; reads fluvane-view's files back in its tests
     python3-gmsh     # fluvane-mesh: reads Gmsh's format, makes free triangles
+    python3-matplotlib # fluvane-view: pictures
+    python3-vtk9     # the tests of fluvane-view read its files back
     dpkg-dev         # dpkg-shlibdeps: what the package depends on
     desktop-file-utils # checks the menu entry
     appstream        # checks its description
