@@ -18,7 +18,7 @@ def run(*command, **options):
     """The finished command; a failure's output is in the exception's text."""
     if "input" not in options:
         options["stdin"] = subprocess.DEVNULL
-    done = subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=60, **options)
+    done = subprocess.run([str(part) for part in command], capture_output=True, text=True, timeout=400, **options)
     if done.returncode:
         raise AssertionError(f"{command} gave {done.returncode}:\n{done.stdout}\n{done.stderr}")
     return done
