@@ -5,8 +5,25 @@
 #include <QApplication>
 #include <QIcon>
 #include <QThreadPool>
+#include <csignal>
+
+namespace {
+
+/// A file at its size limit or a pipe without a reader is a failed write like any other, not the end of the
+/// process.
+void surviveFailedWrites() {
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
+}
+
+} // namespace
 
 int main(int argc, char* argv[]) {
+    surviveFailedWrites();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     const QApplication application(argc, argv);
     // The name of the installed menu entry: it tells window managers whose window this is.

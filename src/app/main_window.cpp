@@ -7,6 +7,7 @@
 #include "app/run_task.h"
 #include "app/terminal_feed.h"
 #include "app/version.h"
+#include "app/window_work.h"
 #include "dialogs/boundary.h"
 #include "dialogs/boundary_3d.h"
 #include "dialogs/case_settings.h"
@@ -257,11 +258,8 @@ void MainWindow::Save_data() {
     const QString path = askToSave(QStringLiteral("Data file"));
     if (path.isNull() || mesh.cellCount == 0)
         return;
-    {
-        const WaitCursor waiting;
-        if (!saveInstant(path))
-            fluvane::appendTerminalLine(path + QStringLiteral(": could not be written"));
-    }
+    if (!doBesideWindow([&path] { return saveInstant(path); }))
+        fluvane::appendTerminalLine(path + QStringLiteral(": could not be written"));
     // Deliberate: said whatever the writer did; a failure stands in the terminal.
     say(QStringLiteral("Save Succeed"), QStringLiteral("Message"));
 }
@@ -351,11 +349,10 @@ void MainWindow::dump(bool (*write)(), const QString& file) {
         say(QStringLiteral("Cannot found the mesh file"), QStringLiteral("Wrong"));
         return;
     }
-    const WaitCursor waiting;
-    const bool written = [write] {
+    const bool written = doBesideWindow([write] {
         const fluvane::VisitorHold hold;
         return write();
-    }();
+    });
     if (!written)
         fluvane::appendTerminalLine(file + QStringLiteral(": could not be written"));
 }

@@ -10,6 +10,7 @@
 #include <utility>
 
 TerminalFeed::TerminalFeed(QTextBrowser* pane) : m_pane(pane) {
+    pane->document()->setMaximumBlockCount(maxLines);
     fluvane::setTerminalSink([this](const QString& line) { take(line); });
 }
 
@@ -22,7 +23,9 @@ void TerminalFeed::take(const QString& line) {
     bool post = false;
     {
         const std::lock_guard lock(m_mutex);
-        m_waiting.append(line);
+        m_waiting.enqueue(line);
+        if (m_waiting.size() > maxLines)
+            m_waiting.dequeue(); // the pane would drop it at once
         if (!onPaneThread)
             post = !std::exchange(m_drainPosted, true);
     }
@@ -34,7 +37,7 @@ void TerminalFeed::take(const QString& line) {
 }
 
 void TerminalFeed::drain() {
-    QStringList lines;
+    QQueue<QString> lines;
     {
         const std::lock_guard lock(m_mutex);
         lines.swap(m_waiting);

@@ -2,16 +2,20 @@
 #pragma once
 
 #include <QObject>
-#include <QStringList>
+#include <QQueue>
+#include <QString>
 #include <mutex>
 
 class QTextBrowser;
 
 /// Receives the lines that any thread says for as long as it lives, and shows them in the pane on the pane's
-/// thread: a burst of lines costs one event, not one a line. One feed at a time. Must not outlive the
-/// pane.
+/// thread: a burst of lines costs one event, not one a line. The pane, and what waits for it, keep the last
+/// `maxLines` lines: a run without end must not take ever more memory. One feed at a time. Must not outlive
+/// the pane.
 class TerminalFeed {
 public:
+    static constexpr int maxLines = 20000;
+
     explicit TerminalFeed(QTextBrowser* pane);
     ~TerminalFeed();
     TerminalFeed(const TerminalFeed&) = delete;
@@ -27,6 +31,6 @@ private:
     QTextBrowser* m_pane;
     QObject m_receiver; ///< of the posted drains: they go with it
     std::mutex m_mutex; ///< guards the two below
-    QStringList m_waiting;
+    QQueue<QString> m_waiting;
     bool m_drainPosted = false;
 };

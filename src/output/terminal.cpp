@@ -28,7 +28,11 @@ void appendTerminalLine(const QString& line) {
     if (t.sink)
         t.sink(line);
     else
-        std::fprintf(stderr, "%s\n", line.toUtf8().constData());
+        sayOnStandardError(line);
+}
+
+void sayOnStandardError(const QString& line) {
+    std::fprintf(stderr, "%s\n", line.toUtf8().constData());
 }
 
 void reportProblem(const QString& line) {

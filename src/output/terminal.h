@@ -11,6 +11,9 @@ namespace fluvane {
 /// standard error.
 void appendTerminalLine(const QString& line);
 
+/// Says on standard error alone what the terminal deliberately does not name. May be called from any thread.
+void sayOnStandardError(const QString& line);
+
 /// Says a complaint: the line goes to the terminal and is also kept until `takeProblems` asks for it, so
 /// that it can be shown again after the terminal was cleared.
 void reportProblem(const QString& line);

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <cerrno>
 
 namespace fluvane {
 
@@ -17,6 +18,17 @@ bool writeAll(QFileDevice& file, const Append& append) {
     FileText text(file);
     append(text);
     return text.finish() && file.flush();
+}
+
+/// Did the file fail to open because there is no room for one more? The file that is there already must not
+/// be emptied then.
+bool diskIsFull(const QFileDevice& file) {
+    const QString cause = file.errorString();
+    return cause == qt_error_string(ENOSPC)
+#ifdef EDQUOT
+           || cause == qt_error_string(EDQUOT)
+#endif
+        ;
 }
 
 bool writeInPlace(const QString& path, const Append& append) {
@@ -39,7 +51,7 @@ bool writeWholeFile(const QString& path, const Append& append) {
 
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        return writeInPlace(path, append);
+        return !diskIsFull(file) && writeInPlace(path, append);
     if (!writeAll(file, append)) {
         file.cancelWriting(); // a full disk: the old file is worth more than part of the new one
         return false;

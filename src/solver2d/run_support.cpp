@@ -2,7 +2,6 @@
 #include "solver2d/run_support.h"
 
 #include "mesh/mesh.h"
-#include "output/terminal.h"
 #include "solver2d/checks.h"
 #include "solver2d/loop_team.h"
 

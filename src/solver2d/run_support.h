@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mesh/run_gate.h"
+#include "output/terminal.h"
 
 #include <QString>
 #include <cstdint>
@@ -28,13 +29,16 @@ QString baseName(const QString& fileName);
 void sayEnd(std::clock_t start);
 
 /// Writes one instant: the state is copied while the gate is held, the file is written without it.
+/// Deliberate: the terminal does not name a file that cannot be written, the run goes on; standard error
+/// names it.
 template <class Snapshot>
 void saveInstant(const QString& path, Snapshot (*capture)(), bool (*write)(const QString&, const Snapshot&)) {
     const Snapshot snapshot = [capture] {
         const RunHold hold;
         return capture();
     }();
-    write(path, snapshot);
+    if (!write(path, snapshot))
+        sayOnStandardError(path + QStringLiteral(": could not be written"));
 }
 
 /// A run that ends by convergence, after a number of steps, or on a NaN.

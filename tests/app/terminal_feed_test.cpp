@@ -100,6 +100,29 @@ private slots:
         QCOMPARE(bar->value(), 3);
     }
 
+    void ofEndlessLinesTheLastOnesStay_data() {
+        QTest::addColumn<int>("between"); ///< lines between two turns of the event loop
+        QTest::newRow("shown as they come") << 1000;
+        QTest::newRow("said while the window is busy") << 3 * TerminalFeed::maxLines;
+    }
+    void ofEndlessLinesTheLastOnesStay() {
+        QFETCH(int, between);
+        constexpr int lines = 3 * TerminalFeed::maxLines;
+        QTextBrowser pane;
+        const TerminalFeed feed(&pane);
+        for (int said = 0; said < lines; said += between) {
+            std::thread([=] {
+                for (int i = said; i < said + between; ++i)
+                    appendTerminalLine(QString::number(i));
+            }).join();
+            QCoreApplication::processEvents();
+        }
+        const QStringList shown = linesOf(pane);
+        QCOMPARE(shown.size(), TerminalFeed::maxLines);
+        QCOMPARE(shown.constFirst(), QString::number(lines - TerminalFeed::maxLines));
+        QCOMPARE(shown.constLast(), QString::number(lines - 1));
+    }
+
     void aFeedThatIsGoneReceivesNothing() {
         QTextBrowser pane;
         {

@@ -1,12 +1,18 @@
 // History files: the form of a line, and what a second reader sees when.
 #include "output/history_file.h"
 
+#include "output/terminal.h"
 #include "small_mesh.h"
 
 #include <QLocale>
 #include <clocale>
 #include <limits>
 #include <string>
+
+#ifdef Q_OS_LINUX
+#include <csignal>
+#include <sys/resource.h>
+#endif
 
 namespace fluvane {
 namespace {
@@ -63,6 +69,46 @@ TEST_F(HistoryFileTest, SwallowsItsLinesWhereItCannotBeOpened) {
               QStringList("run_fl.txt"));
     EXPECT_TRUE(QDir(inFolder("run_fl.txt")).isEmpty());
 }
+
+// Deliberate: the terminal does not name a history file that cannot be written; standard error does, once.
+TEST_F(HistoryFileTest, DeliberateOnlyStandardErrorNamesAFileThatCannotBeWritten) {
+    QStringList said;
+    setTerminalSink([&said](const QString& line) { said << line; });
+    ::testing::internal::CaptureStderr();
+    {
+        HistoryFile history(inFolder("missing/run_fl.txt"));
+        history.append(0.0, 1.0);
+        history.append(0.1, 1.0);
+    }
+    const std::string err = ::testing::internal::GetCapturedStderr();
+    setTerminalSink({});
+    EXPECT_TRUE(said.isEmpty());
+    EXPECT_EQ(err, inFolder("missing/run_fl.txt").toStdString() + ": lines could not be written\n");
+}
+
+#ifdef Q_OS_LINUX
+TEST_F(HistoryFileTest, AFullDiskLeavesNoPartOfALineAndLinesComeAgainWhenThereIsRoom) {
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const QString path = inFolder("run_fl.txt");
+    {
+        HistoryFile history(path);
+        history.append(0.0, 1.0); // five bytes
+        rlimit limited = before;
+        limited.rlim_cur = 12; // and a part of the second line that follows
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limited), 0);
+        history.append(1.0, 1.0);
+        history.append(2.0, 1.0);
+        history.append(3.0, 1.0);
+        EXPECT_EQ(testing::readFile(path), "0 1\r\n1 1\r\n");
+        setrlimit(RLIMIT_FSIZE, &before);
+        history.append(4.0, 1.0);
+    }
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(testing::readFile(path), "0 1\r\n1 1\r\n4 1\r\n");
+}
+#endif
 
 TEST_F(HistoryFileTest, TakesPathsBeyondAscii) {
     const QString path = inFolder(QString::fromUtf8("Lauf-ß-融化_fl.txt"));

@@ -12,6 +12,7 @@
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <fcntl.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -184,6 +185,21 @@ TEST_F(WholeFile, KeepsTheOldFileWhenTheRoomEndsAmongTheChunksOfTheNewOne) {
     EXPECT_EQ(readFile(inFolder("a.dat")), "old");
     EXPECT_EQ(entries(), QStringList("a.dat")) << "nothing may be left beside it";
     EXPECT_TRUE(writeWithinLimit(inFolder("a.dat"), content, content.size()));
+}
+
+TEST_F(WholeFile, KeepsTheOldFileWhenNoFileMoreFitsOnTheDisk) {
+    const QByteArray disk = QFile::encodeName(folder.path());
+    // Two inodes: the folder's and one file's.
+    if (mount("none", disk.constData(), "tmpfs", 0, "nr_inodes=2") != 0)
+        GTEST_SKIP() << "this user may mount nothing";
+    const bool first = writeWholeFile(inFolder("a.dat"), "old") || [this] {
+        QFile file(inFolder("a.dat"));
+        return file.open(QIODevice::WriteOnly) && file.write("old") == 3;
+    }();
+    EXPECT_TRUE(first);
+    EXPECT_FALSE(writeWholeFile(inFolder("a.dat"), std::string(100, 'x')));
+    EXPECT_EQ(readFile(inFolder("a.dat")), "old");
+    umount(disk.constData());
 }
 
 TEST_F(WholeFile, KeepsTheRightsOfTheFileItReplaces) {

@@ -383,6 +383,18 @@ TEST_F(Drivers, HistoriesThatCannotBeOpenedAreLostAndTheRunGoesOn) {
     expectNormalEnd();
 }
 
+// Deliberate: the terminal does not name a file that cannot be written; standard error does.
+TEST_F(Drivers, DeliberateOnlyStandardErrorNamesAResultFileThatCannotBeWritten) {
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(steady(1, 1, 1e-9, "missing/run.dat"));
+    const std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(lines.size(), 4) << lines.join('\n').toStdString();
+    for (const char* const name : {"missing/run_0.dat", "missing/run_1.dat"})
+        EXPECT_NE(err.find(folder.filePath(name).toStdString() + ": could not be written\n"),
+                  std::string::npos)
+            << err;
+}
+
 #ifdef Q_OS_LINUX
 TEST_F(Drivers, HundredThousandStepsGrowNeitherMemoryNorOpenFiles) {
     support::makeMesh(support::rectangles(4, 4), 4, support::sidesOfBox());

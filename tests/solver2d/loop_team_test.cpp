@@ -89,7 +89,7 @@ TEST_P(LoopTeam, ATeamInsideATeamIsTheSameTeam) {
 
 TEST_P(LoopTeam, PassesOnWhatTheRunThrows) {
     EXPECT_THROW(withTeam([] { throw std::runtime_error("full"); }), std::runtime_error);
-    int runs = 0;
+    std::atomic<int> runs{0};
     withTeam([&] { runOnTeam([&](const TeamMember& m) { runs += m.shareOf(0, 1).last; }); });
     EXPECT_EQ(runs, 1) << "and works afterwards";
 }
