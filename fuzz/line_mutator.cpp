@@ -1,4 +1,5 @@
-// Mutations that know lines and words: a text of sections and tables survives them oftener than flipped bytes.
+// Mutations that know lines and words: a text of sections and tables survives them oftener than flipped
+// bytes.
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -42,9 +43,9 @@ std::string_view anyOf(const std::vector<std::string_view>& parts, Random& rando
 }
 
 std::string numberNear(std::string_view word, Random& random) {
-    constexpr const char* edges[] = {"0",       "1",       "7fffffff", "80000000", "ffffffffffffffff",
-                                     "1e300",   "-1e300",  "1e-300",   "-0",       "5e-324",
-                                     "1e154",   "-1e154",  "1e-154",   "0.5",      "A"};
+    constexpr const char* edges[] = {"0",     "1",      "7fffffff", "80000000", "ffffffffffffffff",
+                                     "1e300", "-1e300", "1e-300",   "-0",       "5e-324",
+                                     "1e154", "-1e154", "1e-154",   "0.5",      "A"};
     if (random() % 4 == 0)
         return edges[random() % std::size(edges)];
     std::string changed(word);

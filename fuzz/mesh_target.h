@@ -20,7 +20,8 @@ template <class Cells, class Faces>
 void checkIndices(const Cells& cells, const Faces& faces) {
     const auto isCell = [](std::int32_t c) { return c >= 0 && c < mesh.cellCount; };
     for (const auto& cell : cells) {
-        expect(cell.faceCount >= 0 && cell.faceCount <= cell.maxFaces, "a cell has the faces it has room for");
+        expect(cell.faceCount >= 0 && cell.faceCount <= cell.maxFaces,
+               "a cell has the faces it has room for");
         for (std::int32_t k = 0; k < cell.faceCount; ++k) {
             const std::int32_t face = cell.faces[static_cast<std::size_t>(k)];
             expect(face >= 0 && face < mesh.totalFaceCount(), "a cell's faces exist");

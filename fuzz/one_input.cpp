@@ -28,8 +28,8 @@ const QString& memoryFilePath() {
 } // namespace
 
 const QString& fileOf(const std::uint8_t* data, std::size_t size) {
-    const bool written = ftruncate(memoryFile(), 0) == 0 &&
-                         pwrite(memoryFile(), data, size, 0) == static_cast<ssize_t>(size);
+    const bool written =
+        ftruncate(memoryFile(), 0) == 0 && pwrite(memoryFile(), data, size, 0) == static_cast<ssize_t>(size);
     expect(written, "the input could not be put into its file");
     return memoryFilePath();
 }
