@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the tour need; with --tools also what the
-# mesh-making companions use. Does nothing when all are there.
+# mesh-making companions use, with --ci what the further checks of every submission use. Does nothing when all
+# are there.
 set -euo pipefail
 
 packages=(
@@ -28,9 +29,17 @@ packages=(
 companions=(
     gmsh             # makes and converts meshes
 )
-if [[ "${1:-}" == "--tools" ]]; then
-    packages+=("${companions[@]}")
-fi
+checks=(
+    clang               # compiles the fuzz targets
+    libclang-rt-14-dev  # the fuzzer and its sanitizers
+    libomp-dev          # that compiler's OpenMP runtime
+    clang-tidy          # static analysis
+    cppcheck            # more of it
+)
+case "${1:-}" in
+--tools) packages+=("${companions[@]}") ;;
+--ci) packages+=("${checks[@]}") ;;
+esac
 
 if ! command -v dpkg-query >/dev/null; then
     echo "No Debian packages on this system; going on with what is installed. Needed, by their Debian names:"
