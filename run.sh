@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the program and opens it in the folder of the sample cases. Without a display it takes a guided tour
-# through the program on an invisible one and leaves pictures of every window in tour/; "--case cavity-3d" takes
-# the three-dimensional cavity instead of the plane one.
+# through the program on an invisible one and leaves pictures of every window in tour/; "--case annulus" and the
+# like take another case than the plane cavity, see cases/.
 set -euo pipefail
 cd -- "$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")"
 root=$PWD

@@ -1,3 +1,19 @@
+# What makes faults of the memory in a release harder to exploit: canaries on stacks, checked library calls, an
+# address that changes from run to run, and tables of the linker that cannot be written. The sanitizers bring
+# their own.
+function(fluvane_harden target)
+  if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR FLUVANE_SANITIZE)
+    return()
+  endif()
+  target_compile_options(${target} PRIVATE
+    "$<$<CONFIG:Release>:-fstack-protector-strong;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL "EXECUTABLE")
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_link_options(${target} PRIVATE -pie -Wl,-z,relro,-z,now)
+  endif()
+endfunction()
+
 # What every target of the project is compiled with.
 function(fluvane_target_options target)
   target_compile_features(${target} PUBLIC cxx_std_20)
@@ -21,4 +37,5 @@ function(fluvane_target_options target)
       -fsanitize=${FLUVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=${FLUVANE_SANITIZE})
   endif()
+  fluvane_harden(${target})
 endfunction()

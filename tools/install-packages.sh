@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the tour need; with --tools also what the
-# mesh-making companions use. Does nothing when all are there.
+# mesh-making companions use, with --ci what the further checks of every submission use. Does nothing when all
+# are there.
 set -euo pipefail
 
 packages=(
@@ -13,6 +14,15 @@ packages=(
     libgtest-dev     # GoogleTest, for the tests without windows
     libbenchmark-dev # Google Benchmark, for bench/
     python3          # the companions under tools/ and their tests
+    python3-numpy    # fluvane-mesh and fluvane-view: large files in little time
+    python3-meshio   # fluvane-mesh: reads most formats; reads fluvane-view's files back in its tests
+    python3-gmsh     # fluvane-mesh: reads Gmsh's format, makes free triangles
+    python3-matplotlib # fluvane-view: pictures
+    python3-vtk9     # the tests of fluvane-view read its files back
+    dpkg-dev         # dpkg-shlibdeps: what the package depends on
+    desktop-file-utils # checks the menu entry
+    appstream        # checks its description
+    mandoc           # checks the manual pages
     xvfb             # a display for the tour where there is none
     xauth            # xvfb-run needs it
     fonts-liberation # a stand-in for Times New Roman
@@ -20,11 +30,18 @@ packages=(
 )
 companions=(
     gmsh             # makes and converts meshes
-    python3-gmsh     # the same from Python
 )
-if [[ "${1:-}" == "--tools" ]]; then
-    packages+=("${companions[@]}")
-fi
+checks=(
+    clang               # compiles the fuzz targets
+    libclang-rt-14-dev  # the fuzzer and its sanitizers
+    libomp-dev          # that compiler's OpenMP runtime
+    clang-tidy          # static analysis
+    cppcheck            # more of it
+)
+case "${1:-}" in
+--tools) packages+=("${companions[@]}") ;;
+--ci) packages+=("${checks[@]}") ;;
+esac
 
 if ! command -v dpkg-query >/dev/null; then
     echo "No Debian packages on this system; going on with what is installed. Needed, by their Debian names:"

@@ -6,8 +6,9 @@ import pathlib
 import sys
 
 from fluent_mesh import MeshError, mesh_bytes
+from gmsh_session import GmshMissing
 from sample_boxes import BOXES, box_mesh
-from sample_shapes import SHAPES, GmshMissing, structured_mesh, triangle_mesh
+from sample_shapes import SHAPES, structured_mesh, triangle_mesh
 
 CASES = pathlib.Path(__file__).resolve().parent.parent / "cases"
 

@@ -3,6 +3,7 @@
 from decimal import Decimal, localcontext
 
 from fluent_mesh import MeshError, build_mesh, number_points_by_use, sort_along_curve
+from gmsh_session import gmsh_session
 
 CHANNEL_LENGTH = 6  # channel heights
 SLAB_LENGTH = 5  # slab heights
@@ -10,10 +11,6 @@ INNER_RADIUS = Decimal("0.9")
 OUTER_RADIUS = Decimal("3")
 PI = Decimal("3.14159265358979323846264338327950288419716939937510")
 TOLERANCE = 1e-9
-
-
-class GmshMissing(RuntimeError):
-    """Free triangles were asked for and Gmsh's Python module is not installed."""
 
 
 class Rectangle:
@@ -133,28 +130,15 @@ def structured_mesh(shape_name, cells):
 
 def triangle_mesh(shape_name, cells):
     """Free triangles by Gmsh, their edges about as long as those of the quadrilaterals would be."""
-    try:
-        import gmsh
-    except ImportError as error:
-        raise GmshMissing(
-            "free triangles need Gmsh's Python module: install Debian's package python3-gmsh and start this "
-            "script with the system's own python3"
-        ) from error
     shape = SHAPES[shape_name]
-    gmsh.initialize(readConfigFiles=False)
-    try:
-        gmsh.option.setNumber("General.Terminal", 0)
-        gmsh.option.setNumber("General.NumThreads", 1)
+    with gmsh_session("a mesh of free triangles") as gmsh:
         gmsh.option.setNumber("Mesh.Algorithm", 6)  # frontal: the most regular triangles
-        gmsh.option.setNumber("Mesh.RandomSeed", 1)
         gmsh.option.setNumber("Mesh.Smoothing", 10)
         gmsh.model.add(shape_name)
         shape.draw(gmsh, shape.edge_length(cells))
         gmsh.model.geo.synchronize()
         gmsh.model.mesh.generate(2)
         points, triangles = _read_gmsh(gmsh)
-    finally:
-        gmsh.finalize()
     points, triangles = number_points_by_use(points, sort_along_curve(points, triangles))
     return build_mesh(points, triangles, shape.zone_of, shape.zone_order)
 

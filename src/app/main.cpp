@@ -3,6 +3,7 @@
 #include "mesh/run_gate.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QThreadPool>
 #include <csignal>
 
@@ -25,6 +26,9 @@ int main(int argc, char* argv[]) {
     surviveFailedWrites();
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     const QApplication application(argc, argv);
+    // The name of the installed menu entry: it tells window managers whose window this is.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.fluvane.Fluvane"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("org.fluvane.Fluvane")));
     mainWindow = new MainWindow;
     mainWindow->show();
     const int code = QApplication::exec();

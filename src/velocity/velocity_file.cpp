@@ -7,6 +7,7 @@
 #include "velocity/velocity_set.h"
 
 #include <cmath>
+#include <new>
 
 namespace fluvane {
 
@@ -122,9 +123,7 @@ bool VelocityReader::read(std::string_view text) {
     return true;
 }
 
-} // namespace
-
-bool readVelocityFile(const QString& path) {
+bool readWithinMemory(const QString& path) {
     const TextFile file = readTextFile(path, longestFile);
     if (!file.error.isEmpty()) {
         if (!file.opened)
@@ -137,6 +136,17 @@ bool readVelocityFile(const QString& path) {
         return false;
     velocitySet = reader.table();
     return true;
+}
+
+} // namespace
+
+bool readVelocityFile(const QString& path) {
+    try {
+        return readWithinMemory(path);
+    } catch (const std::bad_alloc&) {
+        reportProblem(QStringLiteral("Velocity file %1: not enough memory to read it").arg(path));
+        return false;
+    }
 }
 
 } // namespace fluvane

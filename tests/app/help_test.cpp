@@ -23,6 +23,11 @@ private slots:
         QCOMPARE(ok.count(), 1);
     }
 
+    void escapeIsOk() {
+        const HELP_Win window;
+        QCOMPARE(window.findChild<QPushButton*>("pushButton_ok")->shortcut(), QKeySequence(Qt::Key_Escape));
+    }
+
     void hasTheSizeTitleAndFontOfItsForm() {
         const HELP_Win window;
         QCOMPARE(window.size(), QSize(400, 300));

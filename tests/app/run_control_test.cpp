@@ -76,6 +76,20 @@ private slots:
             QCOMPARE(widget->font().pointSize(), 12);
     }
 
+    void returnStartsAndEscapeCancels() {
+        Dialog dialog;
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        QSignalSpy ok(&dialog, &NUM_Process_Win::ok);
+        QSignalSpy cancel(&dialog, &NUM_Process_Win::cancel);
+        QWidget* const field = dialog.field("lineEdit_Time_Step");
+        field->setFocus();
+        QTest::keyClick(field, Qt::Key_Return);
+        QTRY_COMPARE(ok.count(), 1);
+        QTest::keyClick(field, Qt::Key_Escape);
+        QTRY_COMPARE(cancel.count(), 1);
+    }
+
     void hasTheSizeAndTitleOfItsForm() {
         const Dialog dialog;
         QCOMPARE(dialog.size(), QSize(400, 300));

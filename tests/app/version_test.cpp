@@ -30,6 +30,11 @@ private slots:
         QCOMPARE(ok.count(), 1);
     }
 
+    void escapeIsOk() {
+        const Version_Win window;
+        QCOMPARE(window.findChild<QPushButton*>("pushButton_ok")->shortcut(), QKeySequence(Qt::Key_Escape));
+    }
+
     void hasTheTitleAndFontOfItsForm() {
         const Version_Win window;
         QCOMPARE(window.windowTitle(), QString("Version_Win"));

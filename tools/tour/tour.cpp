@@ -1,8 +1,9 @@
-// A guided tour: takes a lid-driven cavity, plane or spatial, through the real windows as a user would and
-// leaves a picture of each window and the results in a folder.
+// A guided tour: takes a sample case through the real windows as a user would and leaves a picture of each
+// window and the results in a folder.
 #include "app/main_window.h"
 #include "dialogs/case_settings.h"
 #include "mesh/run_gate.h"
+#include "tour_cases.h"
 
 #include <QAction>
 #include <QApplication>
@@ -11,6 +12,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileDialog>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -18,15 +20,16 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QSet>
 #include <QTest>
 #include <QTextBrowser>
 #include <QThread>
 #include <QThreadPool>
 #include <QTimer>
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -47,29 +50,24 @@ T* part(const QObject* owner, const char* name) {
     return found;
 }
 
-/// What a case types and picks, as its README says.
-struct TourCase {
-    QString name;
-    bool is3D;
-    QString velocityFile;
-    QString meshFile;
-    QString CFL; ///< empty: as it stands
-    QString L;
-    QString Re;
-    QStringList wallVelocity; ///< the fields of the wall velocity's components
-};
-
-const std::array<TourCase, 2> tourCases{{
-    {"cavity", false, "Velocity_file/D2Q9.2Dv", "cavity/cavity_32.msh", {}, "1", "100", {"ux", "uy"}},
-    {"cavity-3d",
-     true,
-     "Velocity_file/D3Q19.3Dv",
-     "cavity-3d/cavity_3d_10.msh",
-     "0.25",
-     "10",
-     "100",
-     {"ux", "uy", "uz"}},
-}};
+/// Pictures of windows have few colours: a palette of just these makes their files small and loses nothing.
+QImage withPalette(const QImage& picture) {
+    constexpr int most = 256;
+    QImage plain = picture.convertToFormat(QImage::Format_RGB32);
+    QVector<QRgb> colours;
+    QSet<QRgb> seen;
+    for (int y = 0; y < plain.height(); ++y)
+        for (int x = 0; x < plain.width(); ++x) {
+            const QRgb colour = plain.pixel(x, y);
+            if (seen.contains(colour))
+                continue;
+            if (colours.size() == most)
+                return plain;
+            seen.insert(colour);
+            colours.append(colour);
+        }
+    return plain.convertToFormat(QImage::Format_Indexed8, colours);
+}
 
 class Tour {
 public:
@@ -114,7 +112,7 @@ private:
         QApplication::processEvents();
         ++m_pictures;
         const QString file = QStringLiteral("%1-%2.png").arg(m_pictures, 2, 10, QChar('0')).arg(name);
-        if (!widget.grab().save(m_output.filePath(file)))
+        if (!withPalette(widget.grab().toImage()).save(m_output.filePath(file), "PNG", 0))
             m_trouble = QStringLiteral("cannot write ") + m_output.filePath(file);
     }
 
@@ -191,34 +189,58 @@ private:
     }
 
     void setLattice() {
+        QWidget& physics = passLattice("lattice");
+        picture(physics, "physics");
+        fillPhysics(physics);
+        picture(physics, "physics-filled");
+        press(physics, "pushButton_ok");
+        expect(fluvane::caseSettings.latticeInitialised, QStringLiteral("the physics was not taken"));
+        picture(window(), "main-lattice");
+        if (m_case.phase != Phase::none)
+            setPhaseChange();
+    }
+
+    /// Through the lattice window into the physics window.
+    QWidget& passLattice(const QString& name) {
         choose("actionLattice");
         QWidget& lattice = dialog("Lattice_Win");
         if (!m_case.CFL.isEmpty())
             type(lattice, "lineEdit_CFL", m_case.CFL);
-        picture(lattice, "lattice");
+        picture(lattice, name);
         press(lattice, "pushButton_ok");
-        QWidget& physics = dialog("Initial_Win");
-        picture(physics, "physics");
-        if (!m_case.is3D)
-            visitPhaseChange(physics);
-        part<QComboBox>(&physics, "comboBox_heat_transfer")->setCurrentIndex(0);
-        type(physics, "lineEdit_L", m_case.L);
-        type(physics, "lineEdit_Re_or_Ra", m_case.Re);
-        picture(physics, "physics-cavity");
-        press(physics, "pushButton_ok");
-        expect(fluvane::caseSettings.latticeInitialised, QStringLiteral("the physics was not taken"));
-        picture(window(), "main-lattice");
+        return dialog("Initial_Win");
     }
 
-    void visitPhaseChange(QWidget& physics) {
-        auto* const phase = part<QComboBox>(&physics, "comboBox_Phase_change");
-        phase->setCurrentIndex(1);
-        picture(physics, "physics-phase-change");
+    void pick(QWidget& widget, const char* list, int index) {
+        part<QComboBox>(&widget, list)->setCurrentIndex(index);
+    }
+
+    void fillPhysics(QWidget& physics) {
+        pick(physics, "comboBox_flow", static_cast<int>(m_case.flow));
+        pick(physics, "comboBox_heat_transfer", static_cast<int>(m_case.heat));
+        pick(physics, "comboBox_Phase_change", static_cast<int>(m_case.phase));
+        pick(physics, "comboBox_time", static_cast<int>(m_case.time));
+        for (const auto& [field, text] :
+             {std::pair("lineEdit_L", m_case.L), std::pair("lineEdit_Re_or_Ra", m_case.ReOrRa),
+              std::pair("lineEdit_Pr", m_case.Pr)})
+            if (!text.isEmpty())
+                type(physics, field, text);
+    }
+
+    /// The latent heat is worked out from the numbers of the physics window, and the enthalpy that a run
+    /// starts from from the latent heat: both windows are confirmed again.
+    void setPhaseChange() {
+        QWidget& physics = passLattice("lattice-again");
         press(physics, "pushButton_phase_change");
         QWidget& solidLiquid = dialog("Solid_liquid");
-        picture(solidLiquid, "solid-liquid");
-        press(solidLiquid, "pushButton_cancel");
-        phase->setCurrentIndex(0);
+        type(solidLiquid, "lineEdit_Ts", m_case.phaseChange.solidus);
+        type(solidLiquid, "lineEdit_Tl", m_case.phaseChange.liquidus);
+        type(solidLiquid, "lineEdit_Ste", m_case.phaseChange.stefan);
+        type(solidLiquid, "lineEdit_Fl", m_case.phaseChange.liquidFraction);
+        picture(solidLiquid, "phase-change");
+        press(solidLiquid, "pushButton_ok");
+        picture(dialog("Initial_Win"), "physics-again");
+        press(physics, "pushButton_ok");
     }
 
     void setBoundaries() {
@@ -226,7 +248,7 @@ private:
         QWidget& wizard = dialog(m_case.is3D ? "Boundary_Information_Win_3D" : "Boundary_Information_Win");
         for (int zone = 0; zone < 100 && !fluvane::caseSettings.boundaryInitialised; ++zone) {
             fillPage(wizard);
-            picture(wizard, QStringLiteral("boundary-%1").arg(zone));
+            picture(wizard, QStringLiteral("boundary-") + zoneOf(wizard));
             if (zone == 1)
                 lookBack(wizard);
             press(wizard, "pushButtonnext");
@@ -234,12 +256,28 @@ private:
         expect(fluvane::caseSettings.boundaryInitialised, QStringLiteral("the boundaries were not taken"));
     }
 
-    /// The lid slides along x, the other walls are at rest.
+    QString zoneOf(QWidget& wizard) { return part<QLabel>(&wizard, "labelBI")->text().trimmed(); }
+
     void fillPage(QWidget& wizard) {
-        const bool lid = part<QLabel>(&wizard, "labelBI")->text().contains(QStringLiteral("lid"));
-        for (const QString& component : m_case.wallVelocity)
-            type(wizard, ("lineEdit_" + component).toLatin1().constData(),
-                 lid && component == "ux" ? QStringLiteral("1") : QStringLiteral("0"));
+        TourPage page;
+        for (const TourPage& candidate : m_case.pages)
+            if (candidate.zone == zoneOf(wizard))
+                page = candidate;
+        pick(wizard, "comboBox_flow_type", static_cast<int>(page.flow));
+        if (m_case.flow != Flow::none && page.flow != FlowCondition::outflow)
+            fillVelocity(wizard, page.velocity);
+        if (m_case.heat == Heat::none)
+            return;
+        pick(wizard, "comboBox", static_cast<int>(page.thermal));
+        if (page.thermal != ThermalCondition::adiabatic)
+            type(wizard, "lineEdit_T", page.T);
+    }
+
+    void fillVelocity(QWidget& wizard, const QStringList& velocity) {
+        const QStringList fields{"lineEdit_ux", "lineEdit_uy", "lineEdit_uz"};
+        for (int axis = 0; axis < (m_case.is3D ? 3 : 2); ++axis)
+            type(wizard, fields[axis].toLatin1().constData(),
+                 velocity.isEmpty() ? QStringLiteral("0") : velocity[axis]);
     }
 
     /// One page back and forth; the page that was left is filled again.
@@ -257,8 +295,8 @@ private:
         QWidget& control = dialog("NUM_Process_Win");
         picture(control, "run-control-defaults");
         type(control, "lineEdit_Process", QString::number(QThread::idealThreadCount()));
-        type(control, "lineEdit_Time_Step", QStringLiteral("0")); // until it has converged
-        type(control, "lineEdit_Terminal", QStringLiteral("1000"));
+        type(control, "lineEdit_Time_Step", m_case.steps);
+        type(control, "lineEdit_Terminal", m_case.terminal);
         picture(control, "run-control");
         press(control, "pushButton_ok");
         QElapsedTimer time;
@@ -294,7 +332,7 @@ private:
 
 QString caseHelp() {
     QStringList names;
-    for (const TourCase& c : tourCases)
+    for (const TourCase& c : tourCases())
         names << c.name;
     return QStringLiteral("The case to take: ") + names.join(QStringLiteral(", ")) + '.';
 }
@@ -310,15 +348,15 @@ int main(int argc, char* argv[]) {
         QStringLiteral("Takes a sample case through the windows and leaves pictures of them."));
     parser.addHelpOption();
     const QCommandLineOption caseOption(QStringLiteral("case"), caseHelp(), QStringLiteral("name"),
-                                        tourCases.front().name);
+                                        tourCases().front().name);
     parser.addOption(caseOption);
     parser.addPositionalArgument(QStringLiteral("cases"), QStringLiteral("The folder of the sample cases."));
     parser.addPositionalArgument(QStringLiteral("output"), QStringLiteral("Emptied, then filled."));
     parser.process(application);
     const QStringList arguments = parser.positionalArguments();
-    const auto tourCase = std::find_if(tourCases.begin(), tourCases.end(),
+    const auto tourCase = std::find_if(tourCases().begin(), tourCases().end(),
                                        [&](const TourCase& c) { return c.name == parser.value(caseOption); });
-    if (arguments.size() != 2 || tourCase == tourCases.end()) {
+    if (arguments.size() != 2 || tourCase == tourCases().end()) {
         std::fprintf(stderr, "%s", qPrintable(parser.helpText()));
         return 2;
     }
