@@ -6,8 +6,6 @@ set -euo pipefail
 
 packages=(
     g++              # compiler, with the OpenMP runtime libgomp1
-    clang            # a second compiler, whose thread sanitizer knows OpenMP
-    libomp-dev       # its OpenMP runtime, with libarcher that tells the sanitizer
     cmake            # configures the build
     ninja-build      # runs it
     qtbase5-dev      # Qt 5: Core, Gui, Widgets, Concurrent, Test
@@ -32,9 +30,9 @@ companions=(
     gmsh             # makes and converts meshes
 )
 checks=(
-    clang               # compiles the fuzz targets
+    clang               # compiles the fuzz targets and what the thread sanitizer looks at
     libclang-rt-14-dev  # the fuzzer and its sanitizers
-    libomp-dev          # that compiler's OpenMP runtime
+    libomp-dev          # that compiler's OpenMP runtime, which tells the sanitizer of its barriers
     clang-tidy          # static analysis
     cppcheck            # more of it
 )
