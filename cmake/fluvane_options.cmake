@@ -14,7 +14,7 @@ function(fluvane_harden target)
   endif()
 endfunction()
 
-# What every target of the project is compiled with.
+# What every target of the project is compiled with; UNHARDENED leaves out what the function above adds.
 function(fluvane_target_options target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
@@ -37,5 +37,7 @@ function(fluvane_target_options target)
       -fsanitize=${FLUVANE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=${FLUVANE_SANITIZE})
   endif()
-  fluvane_harden(${target})
+  if(NOT "UNHARDENED" IN_LIST ARGN)
+    fluvane_harden(${target})
+  endif()
 endfunction()

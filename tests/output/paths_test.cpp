@@ -4,6 +4,7 @@
 #include "output/dumps.h"
 #include "output/history_file.h"
 #include "output/result_file.h"
+#include "output/terminal.h"
 #include "small_mesh.h"
 #include "support/grid_mesh.h"
 #include "velocity/velocity_file.h"
@@ -126,6 +127,7 @@ TEST_P(PathsTest, ResultFilesAreWrittenAndReplaced) {
     for (int round = 0; round < 2; ++round) {
         ASSERT_TRUE(writeResult2D(path));
         EXPECT_TRUE(readFile(path).startsWith("TITLE"));
+        EXPECT_EQ(access(path.toUtf8().constData(), F_OK), 0) << "not in UTF-8";
     }
     mesh.clear();
     ASSERT_TRUE(writeResult3D(path));
