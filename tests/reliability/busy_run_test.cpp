@@ -68,11 +68,11 @@ private:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    /// What a run of 400 steps leaves under "run", with `meanwhile` done again and again until it ends.
+    /// What a run of 100 steps leaves under "run", with `meanwhile` done again and again until it ends.
     static QByteArray resultOfARun(bool steady, const std::function<void(Shell&)>& meanwhile, int* times) {
         Shell shell;
         prepare(shell, steady);
-        compute(shell, "400", "100", "run.dat");
+        compute(shell, "100", "25", "run.dat");
         while (fluvane::runActive()) {
             meanwhile(shell);
             ++*times;
