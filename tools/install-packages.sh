@@ -11,6 +11,10 @@ packages=(
     libgtest-dev     # GoogleTest, for the tests without windows
     libbenchmark-dev # Google Benchmark, for bench/
     python3          # the companions under tools/ and their tests
+    python3-numpy      # fluvane-view
+    python3-matplotlib # its pictures
+    python3-meshio     # its tests read its files back
+    python3-vtk9       # the same
     xvfb             # a display for the tour where there is none
     xauth            # xvfb-run needs it
     fonts-liberation # a stand-in for Times New Roman
