@@ -92,7 +92,8 @@ struct Case {
     QString name;                               ///< on the command line and of the files: "cavity-100"
     QString title;                              ///< heading in the report
     Result (*run)(const Context& context) = {}; ///< starts from any process state
-    int seconds = 10; ///< rough time at report size on one core: the longest case is started first
+    int seconds = 10;    ///< rough time at report size on one core: the longest case is started first
+    bool inQuick = true; ///< false: too long for the quick form
 };
 
 /// All cases, in the order of the report.

@@ -19,7 +19,8 @@ int fail(const QString& text) {
 
 int listCases() {
     for (const Case& c : allCases())
-        std::printf("%s\t%d\t%s\n", qPrintable(c.name), c.seconds, qPrintable(c.title));
+        std::printf("%s\t%d\t%s\t%s\n", qPrintable(c.name), c.seconds, c.inQuick ? "quick" : "report",
+                    qPrintable(c.title));
     return 0;
 }
 
