@@ -102,30 +102,72 @@ void heatBalance(const Context& context, Result& result) {
     const double through = caseSettings.dt * std::abs(heatOutThrough(0));
     add(result, "Heat gained in a step less what crosses the walls, over the hot wall's, natural convection",
         1, std::abs(heat() - before + caseSettings.dt * out) / through, 1e-9);
-    double turned = 0.0;
-    const std::size_t last = mesh.cells2D.size() - 1;
-    for (std::size_t i = 0; i <= last; ++i) {
-        const CellRecord &a = mesh.cells2D[i], &b = mesh.cells2D[last - i];
-        turned = std::max({turned, std::abs(a.u + b.u) / caseSettings.U0,
-                           std::abs(a.v + b.v) / caseSettings.U0, std::abs(a.T + b.T)});
-    }
-    add(result, "Symmetry of natural convection under half a turn, in U0 and dT", count + 1, turned, 1e-11);
 }
 
-void mirroredCavity(const Context& context, Result& result) {
-    constexpr int n = 32, count = 2000;
+/// Largest difference of two fields of which one is turned or mirrored.
+struct Asymmetry {
+    double difference = 0.0;
+    void add(double ours, double partners) { difference = std::max(difference, std::abs(ours - partners)); }
+};
+
+double afterHalfATurn(const Context& context, int n) {
+    PlaneSetUp s;
+    s.flowKind = 1;
+    s.heat = true;
+    s.Pr = 0.71;
+    s.ReOrRa = 1e4;
+    s.zones = {support::wallAt(0.5), support::wallAt(-0.5), {}, {}};
+    prepare(context, "turn", squares(n), s);
+    steps(50 * n);
+    Asymmetry found;
+    for (std::size_t i = 0; i < mesh.cells2D.size(); ++i) {
+        const CellRecord &a = mesh.cells2D[i], &b = mesh.cells2D[mesh.cells2D.size() - 1 - i];
+        found.add(a.u / caseSettings.U0, -b.u / caseSettings.U0);
+        found.add(a.v / caseSettings.U0, -b.v / caseSettings.U0);
+        found.add(a.T, -b.T);
+    }
+    return found.difference;
+}
+
+double afterMirroring(const Context& context, int n) {
     PlaneSetUp s = cavity(100.0);
     s.zones = {support::movingWall(0.0, 1.0), support::movingWall(0.0, 1.0), {}, {}};
     prepare(context, "mirror", squares(n), s);
-    steps(count);
-    double difference = 0.0;
+    steps(50 * n);
+    Asymmetry found;
+    const auto row = static_cast<std::size_t>(n);
     for (std::size_t i = 0; i < mesh.cells2D.size(); ++i) {
-        const std::size_t partner = i / n * n + (n - 1 - i % n);
-        const CellRecord &a = mesh.cells2D[i], &b = mesh.cells2D[partner];
-        difference = std::max(
-            {difference, std::abs(a.u + b.u) / caseSettings.U0, std::abs(a.v - b.v) / caseSettings.U0});
+        const CellRecord &a = mesh.cells2D[i], &b = mesh.cells2D[i / row * row + (row - 1 - i % row)];
+        found.add(a.u / caseSettings.U0, -b.u / caseSettings.U0);
+        found.add(a.v / caseSettings.U0, b.v / caseSettings.U0);
     }
-    add(result, "Mirror symmetry of a cavity whose two sides move up, in U0", count, difference, 1e-11);
+    return found.difference;
+}
+
+void symmetry(const Context& context, Result& result) {
+    Table table{"Largest difference from the turned or mirrored field at one time, in U0 and dT.",
+                {"Mesh", "natural convection, half a turn", "order",
+                 "cavity with both sides moving up, mirrored", "order"},
+                {}};
+    double turnedBefore = 0.0, mirroredBefore = 0.0;
+    for (const int n : context.quick() ? std::vector{16, 32} : std::vector{16, 32, 64, 128}) {
+        const double turned = afterHalfATurn(context, n), mirrored = afterMirroring(context, n);
+        const bool first = n == 16;
+        table.rows.push_back({squares(n).words, number(turned, 3),
+                              first ? QString() : number(observedOrder(turnedBefore, turned, 2.0), 3),
+                              number(mirrored, 3),
+                              first ? QString() : number(observedOrder(mirroredBefore, mirrored, 2.0), 3)});
+        turnedBefore = turned;
+        mirroredBefore = mirrored;
+    }
+    result.tables.push_back(table);
+    result.bands.push_back({"asymmetry after half a turn on the finest mesh", turnedBefore, 0.0, 0.01});
+    result.bands.push_back({"asymmetry after mirroring on the finest mesh", mirroredBefore, 0.0, 0.05});
+    result.remarks
+        << "Symmetry is not kept to rounding. On squares many velocities run exactly along a face; their "
+           "upwind "
+           "side is then always the same of the face's two cells, which favours one direction by a "
+           "discretisation error. It falls with the mesh.";
 }
 
 void rest(const Context& context, Result& result) {
@@ -151,7 +193,7 @@ Result conservation(const Context& context) {
     closedCavity(context, result, squares(32), "cavity_squares");
     heatedSlab(context, result);
     heatBalance(context, result);
-    mirroredCavity(context, result);
+    symmetry(context, result);
     rest(context, result);
     result.remarks << "With buoyancy the mass of a closed box is not kept to rounding: the force on a wall's "
                       "face enters what "

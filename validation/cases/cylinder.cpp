@@ -37,11 +37,11 @@ Vec2 outline(int t, int m) {
     }
 }
 
-/// Rings of points from the cylinder to the outline, spaced ever wider, then columns to the outlet; every
-/// quadrilateral cut in two.
+/// Rings of points from the cylinder to the outline, spaced ever wider, then equal columns to the outlet;
+/// every quadrilateral cut in two.
 support::PlaneCells cells(int m) {
     support::PlaneCells plane;
-    const int around = 4 * m, rings = (3 * m) / 4, columns = (9 * m) / 4;
+    const int around = 4 * m, rings = (3 * m) / 4, columns = 3 * m;
     const auto addQuad = [&plane](std::int32_t a, std::int32_t b, std::int32_t c, std::int32_t d,
                                   bool rising) {
         if (rising) {
@@ -78,7 +78,7 @@ support::PlaneCells cells(int m) {
     for (int column = 1; column <= columns; ++column)
         for (int j = 0; j <= m; ++j) {
             const double s = double(column) / columns;
-            plane.x.push_back(block + (length - block) * (0.5 * s + 0.5 * s * s));
+            plane.x.push_back(block + (length - block) * s);
             plane.y.push_back(height * j / m);
         }
     for (int column = 0; column < columns; ++column)
@@ -112,7 +112,7 @@ CylinderCase cylinderCase(int m, double Re, double Ma) {
     s.zones.push_back({});
     s.tolerance = 1e-8;
     s.interval = 2000;
-    s.maxSteps = 80000;
+    s.maxSteps = 120000;
     return {sides, plane, s};
 }
 
@@ -194,8 +194,8 @@ Result steadyCylinder(const Context& context) {
                  "mean u / typed", "mass out / mass in"},
                 {}};
     double drag = 0.0, wake = 0.0;
-    for (const int m : context.quick() ? std::vector{12} : std::vector{12, 20, 28}) {
-        const CylinderCase c = cylinderCase(m, 20.0, 0.1);
+    for (const int m : context.quick() ? std::vector{12} : std::vector{12, 16, 20}) {
+        const CylinderCase c = cylinderCase(m, 20.0, 0.2);
         if (result.setUp.isEmpty())
             result.setUp = typed(c);
         result.runs.push_back(runSteady(context, QString("Re20_%1").arg(m), c.plane, c.setUp));
