@@ -184,7 +184,7 @@ Result developing(const Context& context) {
             if (Re < 21.0)
                 result.bands.push_back(
                     {QString("development length over the published, Re 20, %1 across").arg(n),
-                     reached / durst(Re), 0.8, 1.2});
+                     reached / durst(Re), 0.75, 1.25});
         }
         Series series{"Fluvane, Re " + number(Re), {}, false};
         for (int i = 1; i < 100; ++i) {
