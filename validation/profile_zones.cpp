@@ -38,6 +38,8 @@ std::vector<support::Zone> ProfileZones::zones(const support::Zone& bottom, cons
     for (int side = 0; side < (m_bothSides ? 2 : 1); ++side)
         for (int j = 0; j < m_n; ++j) {
             support::Zone slice = inletHeat;
+            if (side == 1)
+                slice = {};
             slice.ux = m_profile(m_height * (j + 0.5) / m_n);
             zones.push_back(slice);
         }
@@ -62,6 +64,13 @@ double ProfileZones::massIn() const {
     double total = 0.0;
     for (int j = 0; j < m_n; ++j)
         total -= massOutThrough(2 + j);
+    return total;
+}
+
+double ProfileZones::massOut() const {
+    double total = 0.0;
+    for (int j = 0; j < (m_bothSides ? m_n : 1); ++j)
+        total += massOutThrough(2 + m_n + j);
     return total;
 }
 

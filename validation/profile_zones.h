@@ -22,9 +22,10 @@ public:
     /// What to type, the inlet's zones in one phrase.
     QStringList describe(const PlaneMesh& plane, const PlaneSetUp& setUp, const QString& inlet,
                          const QString& outletWords) const;
-    int outlet() const { return m_n + 2; }
     /// What the last step carried in through the inlet in a unit of time.
     double massIn() const;
+    /// The same out through the outlet.
+    double massOut() const;
 
 private:
     int m_n;

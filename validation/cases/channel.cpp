@@ -44,45 +44,58 @@ double parabolaError(double x, int n) {
     return error;
 }
 
+/// Deviation of u from y.
+struct LinearError {
+    double largest = 0.0, rms = 0.0;
+};
+
+LinearError runCouette(const Context& context, Result& result, const QString& name, int n, bool cut,
+                       double Ma) {
+    const ProfileZones sides(
+        n, 1.0, 1.0, [](double y) { return y; }, true);
+    const PlaneMesh plane = sides.mesh(cut ? triangles(n) : squares(n));
+    PlaneSetUp setUp = channelSetUp(5.0);
+    setUp.CFL = cut ? 0.2 : 0.4;
+    setUp.Ma = Ma;
+    setUp.zones = sides.zones({}, support::movingWall(1.0, 0.0));
+    if (result.setUp.isEmpty())
+        result.setUp = sides.describe(plane, setUp, "ux = y", "right likewise");
+    result.runs.push_back(runSteady(context, name, plane, setUp));
+    LinearError error;
+    for (const CellRecord& c : mesh.cells2D) {
+        const double difference = std::abs(c.u / caseSettings.U0 - c.yc);
+        error.largest = std::max(error.largest, difference);
+        error.rms += difference * difference / mesh.cellCount;
+    }
+    error.rms = std::sqrt(error.rms);
+    return error;
+}
+
 Result couette(const Context& context) {
     Result result;
     result.sources << "Exact: u = y.";
     Table table{"Deviation of u from y over all cells, in units of the wall's speed.",
-                {"Mesh", "largest", "order", "rms", "order"},
+                {"Mesh", "Ma", "largest", "rms"},
                 {}};
-    double largestBefore = 0.0, rmsBefore = 0.0;
+    const auto add = [&](const QString& words, double Ma, const LinearError& error) {
+        table.rows.push_back({words, number(Ma), number(error.largest, 3), number(error.rms, 3)});
+    };
     for (const bool cut : {false, true}) {
+        LinearError error;
         for (const int n : context.quick() ? std::vector{8, 16} : std::vector{8, 16, 32}) {
-            const ProfileZones sides(
-                n, 1.0, 1.0, [](double y) { return y; }, true);
-            const PlaneMesh plane = sides.mesh(cut ? triangles(n) : squares(n));
-            PlaneSetUp setUp = channelSetUp(5.0);
-            setUp.CFL = cut ? 0.2 : 0.4;
-            setUp.Ma = 0.05;
-            setUp.zones = sides.zones({}, support::movingWall(1.0, 0.0));
-            if (result.setUp.isEmpty())
-                result.setUp = sides.describe(plane, setUp, "ux = y", "right likewise");
-            result.runs.push_back(
-                runSteady(context, QString(cut ? "triangles_%1" : "squares_%1").arg(n), plane, setUp));
-            double largest = 0.0, squares = 0.0;
-            for (const CellRecord& c : mesh.cells2D) {
-                const double difference = c.u / caseSettings.U0 - c.yc;
-                largest = std::max(largest, std::abs(difference));
-                squares += difference * difference;
-            }
-            const double rms = std::sqrt(squares / mesh.cellCount);
-            const bool first = n == 8;
-            table.rows.push_back({plane.words, number(largest, 3),
-                                  first ? QString() : number(observedOrder(largestBefore, largest, 2.0), 3),
-                                  number(rms, 3),
-                                  first ? QString() : number(observedOrder(rmsBefore, rms, 2.0), 3)});
-            largestBefore = largest;
-            rmsBefore = rms;
+            error = runCouette(context, result, QString(cut ? "triangles_%1" : "squares_%1").arg(n), n, cut,
+                               0.05);
+            add((cut ? triangles(n) : squares(n)).words, 0.05, error);
         }
         result.bands.push_back(
-            {cut ? "largest deviation, triangles" : "largest deviation, squares", largestBefore, 0.0, 0.01});
+            {cut ? "largest deviation, triangles" : "largest deviation, squares", error.largest, 0.0, 2e-3});
     }
+    for (const double Ma : {0.1, 0.025})
+        add(squares(16).words, Ma, runCouette(context, result, QString("Ma_%1").arg(Ma), 16, false, Ma));
     result.tables.push_back(table);
+    result.remarks << "The scheme has the linear profile on any mesh; what is left does not fall with the "
+                      "mesh but with the "
+                      "square of the Mach number: it is compressibility.";
     return result;
 }
 
@@ -118,7 +131,7 @@ Result poiseuille(const Context& context) {
             table.rows.push_back({plane.words, number(error, 3),
                                   before > 0.0 ? number(observedOrder(before, error, 2.0), 3) : QString(),
                                   number(meanVelocity(length / 2.0, 2 * n), 5),
-                                  number(massOutThrough(sides.outlet()) / sides.massIn(), 6)});
+                                  number(sides.massOut() / sides.massIn(), 6)});
             before = error;
         }
         result.bands.push_back(

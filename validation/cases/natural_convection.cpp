@@ -173,7 +173,7 @@ Result at1e3(const Context& c) {
 }
 Result at1e4(const Context& c) {
     return c.quick() ? heatedSquare(c, references[1], {24, 32}, 0.05)
-                     : heatedSquare(c, references[1], {32, 64, 96}, 0.005);
+                     : heatedSquare(c, references[1], {32, 64, 128}, 0.005);
 }
 Result at1e5(const Context& c) {
     return heatedSquare(c, references[2], {48, 64, 96}, 0.005);
