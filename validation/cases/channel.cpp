@@ -94,8 +94,7 @@ Result couette(const Context& context) {
         add(squares(16).words, Ma, runCouette(context, result, QString("Ma_%1").arg(Ma), 16, false, Ma));
     result.tables.push_back(table);
     result.remarks << "The scheme has the linear profile on any mesh; what is left does not fall with the "
-                      "mesh but with the "
-                      "square of the Mach number: it is compressibility.";
+                      "mesh but with the Mach number: it is compressibility.";
     return result;
 }
 

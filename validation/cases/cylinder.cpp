@@ -209,18 +209,22 @@ Result steadyCylinder(const Context& context) {
                               number(pressureDifference() / (flow * flow)), number(flow),
                               number(c.sides.massOut() / c.sides.massIn(), 5)});
     };
-    run(12, true);
-    for (const int m : context.quick() ? std::vector{12} : std::vector{12, 16, 24})
+    if (!context.quick())
+        run(12, true);
+    for (const int m : context.quick() ? std::vector{12} : std::vector{12, 16, 20})
         run(m, false);
     table.rows.push_back({"", "published", "5.57 to 5.59", "0.842 to 0.852", "2.93 to 2.94", "", ""});
     result.tables.push_back(table);
-    result.remarks << "The inlet is a moving wall: its mass flux follows the density beside it, and the "
-                      "outflow fixes no "
-                      "pressure, so that the density level drifts. Drag and pressure are over the density "
-                      "and the squared "
-                      "mean velocity measured one diameter from the inlet. A cylinder in an unbounded stream "
-                      "cannot be set "
-                      "up: there is no boundary kind for a free stream or for slip.";
+    result.remarks
+        << "The outlet is typed as the inlet is, a moving wall with the same parabola. With \"Outflow\" "
+           "(first "
+           "row) nothing fixes the pressure, and in so long a channel the density level moves so fast that "
+           "what "
+           "leaves differs from what enters several times over: that velocity field is not the benchmark's. "
+           "Drag "
+           "and pressure are over the density and the squared mean velocity measured one diameter from the "
+           "inlet. A cylinder in an unbounded stream cannot be set up: there is no boundary kind for a free "
+           "stream or for slip.";
     result.bands.push_back(
         {"drag over the published", drag / 5.58, context.quick() ? 0.8 : 0.9, context.quick() ? 1.2 : 1.1});
     result.bands.push_back(
