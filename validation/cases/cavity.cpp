@@ -319,7 +319,11 @@ Result cavity400(const Context& context) {
 }
 
 Result cavity1000(const Context& context) {
-    return squareMeshes(context, reynolds1000(), {64, 80, 128}, 0.2, 0.005);
+    return squareMeshes(context, reynolds1000(), {48, 64, 96}, 0.2, 0.02);
+}
+
+Result cavity1000Fine(const Context& context) {
+    return squareMeshes(context, reynolds1000(), {128}, 0.2, 0.005);
 }
 
 /// The other kinds of mesh at Re 100.
@@ -365,7 +369,9 @@ Result cavityMeshes(const Context& context) {
 const Registered at100({30, "cavity-100", "Lid-driven cavity, Re 100", cavity100, 300});
 const Registered at400({31, "cavity-400", "Lid-driven cavity, Re 400", cavity400, 500, false});
 const Registered at1000({32, "cavity-1000", "Lid-driven cavity, Re 1000", cavity1000, 1000, false});
-const Registered otherMeshes({33, "cavity-meshes", "Lid-driven cavity, Re 100, other meshes", cavityMeshes,
+const Registered at1000Fine({33, "cavity-1000-fine", "Lid-driven cavity, Re 1000, 128 x 128", cavity1000Fine,
+                             400, false});
+const Registered otherMeshes({34, "cavity-meshes", "Lid-driven cavity, Re 100, other meshes", cavityMeshes,
                               250});
 
 } // namespace
