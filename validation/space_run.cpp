@@ -16,9 +16,13 @@
 
 #include <QDir>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <map>
 
 namespace fluvane::validation {
 
@@ -132,6 +136,24 @@ double massChange3D() {
         volume += c.volume;
     }
     return mass / volume - 1.0;
+}
+
+double asymmetry3D() {
+    const auto place = [](double x, double y, double z) {
+        return std::array{std::lround(1e4 * x), std::lround(1e4 * y), std::lround(1e4 * z)};
+    };
+    std::map<std::array<long, 3>, const CellRecord3D*> cells;
+    for (const CellRecord3D& c : mesh.cells3D)
+        cells[place(c.xc, c.yc, c.zc)] = &c;
+    double largest = 0.0;
+    for (const CellRecord3D& c : mesh.cells3D) {
+        const auto image = cells.find(place(c.xc, caseSettings.L - c.yc, c.zc));
+        if (image == cells.end())
+            return INFINITY;
+        const CellRecord3D& m = *image->second;
+        largest = std::max(largest, std::hypot(c.u - m.u, c.v + m.v, c.w - m.w));
+    }
+    return largest / caseSettings.U0;
 }
 
 } // namespace fluvane::validation

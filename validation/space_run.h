@@ -52,4 +52,9 @@ Run runSteady3D(const Context& context, const QString& name, const SpaceMesh& sp
 /// Sum of density times volume over the cells, relative to that of density 1, less 1.
 double massChange3D();
 
+/// Largest difference of the velocity in a cell and in its mirror image about the middle plane y = L / 2, in
+/// units of U0; for meshes with an even number of cubes, which are their own image. Infinite when a cell has
+/// no image.
+double asymmetry3D();
+
 } // namespace fluvane::validation

@@ -1,10 +1,10 @@
 // Flow through a square duct against the series of developed flow.
 #include "case.h"
 #include "dialogs/case_settings.h"
+#include "mesh/mesh.h"
 #include "space_run.h"
 #include "support/square_duct.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace fluvane::validation {

@@ -5,7 +5,6 @@
 #include "plane_fields.h"
 #include "solver2d/enthalpy.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -119,23 +118,24 @@ void addTimes(Result& result, double Ste, const std::vector<Moment>& all) {
                                {"--show", "T", "--streamlines", "--front"}});
 }
 
-void addBands(Result& result, double Ste, const std::vector<Moment>& all, double apart, double allowed) {
-    const Moment& first = all.front();
+/// `coarseness` is what the front's first few cells may leave open.
+void addBands(Result& result, double Ste, const std::vector<Moment>& all, double apart, double coarseness) {
+    const Moment& first = all[0];
+    const Moment& second = all[1];
     const Moment& last = all.back();
-    const double early = first.fraction / conductionFraction(Ste, 1);
-    result.bands.push_back({"first liquid fraction over that of conduction", early, 0.96, 1.04});
+    result.bands.push_back({"first liquid fraction over that of conduction",
+                            first.fraction / conductionFraction(Ste, 1), 1.0 - coarseness, 1.0 + coarseness});
     result.bands.push_back(
-        {"first Nu over that of conduction", first.nusselt / conductionNusselt(Ste, 1), 0.96, 1.04});
+        {"second Nu over that of conduction", second.nusselt / conductionNusselt(Ste, 2), 0.97, 1.04});
     result.bands.push_back(
         {"last Nu over that of developed convection", last.nusselt / developedNusselt(), 0.9, 1.3});
     result.bands.push_back(
         {"last Nu over that of conduction", last.nusselt / conductionNusselt(Ste, moments), 1.05, 1.4});
     result.bands.push_back({"highest less lowest row at the end", last.top - last.bottom, 0.07, 0.2});
-    result.bands.push_back(
-        {"change of the last fraction between the two finest meshes", apart, 0.0, allowed});
+    result.bands.push_back({"change of the last fraction between the two finest meshes", apart, 0.0, 0.02});
 }
 
-Result meltSquare(const Context& context, double Ste, const std::vector<int>& sizes, double allowed) {
+Result meltSquare(const Context& context, double Ste, const std::vector<int>& sizes, double coarseness) {
     Result result;
     result.sources
         << "The case of O. Bertrand and others, Int. J. Therm. Sci. 38 (1999) 5-26 and D. Gobin, P. Le "
@@ -175,7 +175,7 @@ Result meltSquare(const Context& context, double Ste, const std::vector<int>& si
     }
     result.tables.push_back(table);
     addTimes(result, Ste, all);
-    addBands(result, Ste, all, apart, allowed);
+    addBands(result, Ste, all, apart, coarseness);
     result.remarks
         << "No accurate figures are published for melting at low Pr: authors' liquid fractions and Nusselt "
            "numbers lie 10 to 30 % apart. Hence the measures here: conduction at the start, the correlation "
@@ -185,12 +185,12 @@ Result meltSquare(const Context& context, double Ste, const std::vector<int>& si
 }
 
 Result steOneTenth(const Context& context) {
-    return context.quick() ? meltSquare(context, 0.1, {16, 24}, 0.02)
-                           : meltSquare(context, 0.1, {24, 48, 96}, 0.01);
+    return context.quick() ? meltSquare(context, 0.1, {16, 24}, 0.07)
+                           : meltSquare(context, 0.1, {24, 48, 96}, 0.03);
 }
 
 Result steOneHundredth(const Context& context) {
-    return meltSquare(context, 0.01, {16, 32, 48}, 0.02);
+    return meltSquare(context, 0.01, {16, 32, 48}, 0.05);
 }
 
 const Registered tenth({72, "melting-cavity", "Melting in a square with convection, Ste 0.1", steOneTenth,

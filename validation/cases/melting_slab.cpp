@@ -3,7 +3,6 @@
 #include "dialogs/case_settings.h"
 #include "melting_run.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace fluvane::validation {
@@ -20,8 +19,10 @@ struct Slab {
     std::pair<double, double> shares; ///< of the slab behind the front, between which it is looked at
     std::vector<int> sizes, quickSizes;
     double band, quickBand; ///< of the error on the finest mesh
+    bool ratioKept = false; ///< `alpha` is that of the finest mesh, elsewhere such that tauG / dt is the same
 
     bool freezing() const { return wall < meltingPoint; }
+    double alphaOn(int n) const { return ratioKept ? alpha * sizes.back() / n : alpha; }
     double lambda() const {
         return freezing() ? support::twoPhaseLambda(meltingPoint - wall, -meltingPoint, 1.0 / Ste)
                           : support::onePhaseLambda(Ste);
@@ -30,9 +31,21 @@ struct Slab {
 
 /// The diffusivities keep tauG / dt between a seventh and six tenths: beyond it heat overtakes the front.
 const std::vector<Slab> meltingSlabs = {
-    {"melting, Ste 0.1", "ste01", 0.1, 0.0015, 0.0, 1.0, {0.4, 0.5}, {20, 40, 80}, {20}, 0.008, 0.03},
-    {"melting, Ste 0.5", "ste05", 0.5, 0.0012, 0.0, 1.0, {0.4, 0.5}, {25, 50, 100}, {25}, 0.008, 0.03},
-    {"melting, Ste 1", "ste1", 1.0, 0.001, 0.0, 1.0, {0.4, 0.5}, {25, 50, 100}, {25, 50}, 0.008, 0.012}};
+    {"melting, Ste 0.1", "ste01", 0.1, 0.0015, 0.0, 1.0, {0.4, 0.5}, {20, 40, 80}, {20}, 0.008, 0.013},
+    {"melting, Ste 0.5", "ste05", 0.5, 0.0012, 0.0, 1.0, {0.4, 0.5}, {25, 50, 100}, {25}, 0.008, 0.026},
+    {"melting, Ste 1", "ste1", 1.0, 0.001, 0.0, 1.0, {0.4, 0.5}, {25, 50, 100}, {25, 50}, 0.008, 0.012},
+    {"melting, Ste 1, equal tauG / dt",
+     "ste1_ratio",
+     1.0,
+     0.001,
+     0.0,
+     1.0,
+     {0.4, 0.5},
+     {25, 50, 100},
+     {25, 50},
+     0.008,
+     0.02,
+     true}};
 
 const std::vector<Slab> freezingSlabs = {{"freezing, Ste 2",
                                           "freezing",
@@ -44,7 +57,7 @@ const std::vector<Slab> freezingSlabs = {{"freezing, Ste 2",
                                           {25, 50, 100},
                                           {25, 50},
                                           0.008,
-                                          0.02}};
+                                          0.023}};
 
 PlaneMesh strip(int n) {
     const double height = 0.2;
@@ -52,9 +65,9 @@ PlaneMesh strip(int n) {
                    1.0, height);
 }
 
-MeltingSetUp setUpOf(const Slab& slab, int variant) {
+MeltingSetUp setUpOf(const Slab& slab, int n, int variant) {
     MeltingSetUp s;
-    s.physics.PrOrAlpha = slab.alpha;
+    s.physics.PrOrAlpha = slab.alphaOn(n);
     s.physics.variant = variant;
     s.physics.Ste = slab.Ste;
     s.physics.meltingPoint = slab.meltingPoint;
@@ -79,7 +92,7 @@ void follow(const Context& context, const Slab& slab, int variant, Result& resul
     int sizeBefore = 0;
     for (const int n : context.quick() ? slab.quickSizes : slab.sizes) {
         const PlaneMesh plane = strip(n);
-        const MeltingSetUp setUp = setUpOf(slab, variant);
+        const MeltingSetUp setUp = setUpOf(slab, n, variant);
         result.runs.push_back(
             runMelting(context, QString("%1_%2_%3").arg(slab.name, lftf ? "lftf" : "considered").arg(n),
                        plane, setUp, [&] {
@@ -140,7 +153,10 @@ Result melting(const Context& context) {
     result.remarks
         << "The front moves on by cells; what is left at the end of a run depends on where in its "
            "cell the front stands, hence the largest error of eleven moments. Nothing flows, so both "
-           "variants of the phase change must give the same.";
+           "variants of the phase change must give the same."
+        << "With the diffusivity the same on all meshes tauG / dt grows with the number of cells, and the "
+           "error "
+           "depends on it too: the orders there are not the spacing's alone. The last case keeps tauG / dt.";
     return result;
 }
 
