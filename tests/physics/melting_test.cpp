@@ -1,11 +1,11 @@
 // Melting and freezing against exact fronts, their conservation of heat, and melting with convection.
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
-#include "setup/initial_fields.h"
 #include "solver2d/enthalpy.h"
 #include "solver2d/equilibrium.h"
 #include "solver2d/time_step.h"
 #include "support/case_runner.h"
+#include "support/melting.h"
 #include "support/mesh_builder.h"
 
 #include <gtest/gtest.h>
@@ -13,63 +13,27 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <functional>
 #include <numbers>
 #include <utility>
 #include <vector>
 
 using namespace fluvane;
+using support::fourierNumber;
+using support::meanLiquidFraction;
+using support::onePhaseLambda;
+using support::runTo;
+using support::twoPhaseLambda;
 
 namespace {
 
-constexpr int considered = 1;
-constexpr int lftf = 2;
-
-/// The root of a function that grows from a negative to a positive value.
-double rootOf(const std::function<double(double)>& f, double low, double high) {
-    for (int i = 0; i < 100; ++i) {
-        const double middle = 0.5 * (low + high);
-        (f(middle) < 0.0 ? low : high) = middle;
-    }
-    return 0.5 * (low + high);
-}
-
-/// The front of melting from a wall, x = 2 lambda sqrt(alpha t), when all the solid is at the melting point.
-double onePhaseLambda(double Ste) {
-    const auto balance = [Ste](double l) {
-        return l * std::exp(l * l) * std::erf(l) - Ste / std::sqrt(std::numbers::pi);
-    };
-    return rootOf(balance, 1e-6, 5.0);
-}
-
-/// The same for freezing a liquid `warmer` above the melting point from a wall `colder` below it.
-double twoPhaseLambda(double colder, double warmer, double latentHeat) {
-    const auto balance = [=](double l) {
-        return latentHeat * l * std::sqrt(std::numbers::pi) * std::exp(l * l) - colder / std::erf(l) +
-               warmer / std::erfc(l);
-    };
-    return rootOf(balance, 1e-6, 5.0);
-}
-
-double meanLiquidFraction() {
-    double liquid = 0.0, area = 0.0;
-    for (const CellRecord& c : mesh.cells2D) {
-        liquid += c.area * liquidFraction(c.H);
-        area += c.area;
-    }
-    return liquid / area;
-}
+constexpr int considered = support::phaseConsidered;
+constexpr int lftf = support::phaseLftf;
 
 double totalEnthalpy() {
     double total = 0.0;
     for (const CellRecord& c : mesh.cells2D)
         total += c.area * c.H;
     return total;
-}
-
-double fourierNumber(int steps) {
-    const CaseSettings& s = caseSettings;
-    return steps * s.dt * s.alpha / (s.L * s.L);
 }
 
 class Melting : public testing::Test {
@@ -80,17 +44,6 @@ protected:
     }
     void TearDown() override { support::resetProcessState(); }
 
-    /// Confirms the physics window, the phase-change window and the physics window again: the latent heat
-    /// takes the thermal scale of the first, the initial enthalpy that of the second.
-    static void confirm(double PrOrAlpha, double Ra, int flowKind, int variant, double Ste, double Ts) {
-        const auto physics = [&] {
-            initialiseFields(1.0, 0.1, PrOrAlpha, Ra, 1.0, flowKind, 1, 0, variant, 1);
-        };
-        physics();
-        setPhaseChange(Ste, Ts, Ts, 0.0);
-        physics();
-    }
-
     /// A strip of n by `rows` square cells, 1 long, with the diffusivity below a fifth of a cell: heat
     /// carried further than a cell between two collisions melts what lies beyond the front. The wall at x = 0
     /// has a temperature, the others are adiabatic.
@@ -100,7 +53,7 @@ protected:
         support::useD2Q9();
         support::makeMesh(support::rectangles(n, rows, 1.0, height), 4, support::sidesOfBox(1.0, height));
         support::useLattice(0.4);
-        confirm(alpha, 0.0, 2, variant, Ste, Ts);
+        support::confirmMelting({.PrOrAlpha = alpha, .variant = variant, .Ste = Ste, .meltingPoint = Ts});
         support::assignZone(0, support::wallAt(wall));
         for (const int zone : {1, 2, 3})
             support::assignZone(zone, {});
@@ -112,35 +65,18 @@ protected:
         support::useD2Q9();
         support::makeMesh(support::rectangles(n, n), 4, support::sidesOfBox());
         support::useLattice(0.4);
-        confirm(Pr, Ra, 1, variant, Ste, 0.0);
+        support::confirmMelting({.PrOrAlpha = Pr, .Ra = Ra, .flowKind = 1, .variant = variant, .Ste = Ste});
         support::assignZone(0, support::wallAt(1.0));
         for (const int zone : {1, 2, 3})
             support::assignZone(zone, {});
     }
 
-    /// Steps from `done` steps on up to a Fourier number; returns the new number of steps.
-    static int runTo(double Fo, int done) {
-        const int steps = static_cast<int>(std::lround(Fo / fourierNumber(1)));
-        for (int n = done; n < steps; ++n)
-            step2D();
-        return steps;
-    }
-
-    /// The largest relative error of the share behind the front, 2 lambda sqrt(Fo), over eleven moments: a
-    /// single one shows where in its cell the front happens to be.
     static double frontError(double lambda, std::pair<double, double> shares, bool freezing) {
-        double largest = 0.0;
-        int steps = 0;
-        for (int i = 0; i <= 10; ++i) {
-            const double share = shares.first + (shares.second - shares.first) * i / 10;
-            steps = runTo(std::pow(0.5 * share / lambda, 2), steps);
-            const double exact = 2.0 * lambda * std::sqrt(fourierNumber(steps));
-            const double measured = freezing ? 1.0 - meanLiquidFraction() : meanLiquidFraction();
-            largest = std::max(largest, std::abs(measured / exact - 1.0));
-        }
+        const std::vector<support::FrontMoment> moments = support::followFront(lambda, shares, freezing);
+        const double largest = support::largestFrontError(moments);
         std::printf("share %.4f behind the front after %d steps, tauG/dt %.2f: error %.3e\n",
-                    freezing ? 1.0 - meanLiquidFraction() : meanLiquidFraction(), steps,
-                    caseSettings.tauG / caseSettings.dt, largest);
+                    moments.back().measured, moments.back().steps, caseSettings.tauG / caseSettings.dt,
+                    largest);
         return largest;
     }
 

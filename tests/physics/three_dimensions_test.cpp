@@ -6,6 +6,7 @@
 #include "support/case_runner_3d.h"
 #include "support/mesh_builder.h"
 #include "support/mesh_builder_3d.h"
+#include "support/square_duct.h"
 #include "velocity/lattice_properties.h"
 
 #include <gtest/gtest.h>
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <numbers>
 #include <vector>
 
 using namespace fluvane;
@@ -90,21 +90,6 @@ protected:
     }
 };
 
-/// Fully developed flow in a square duct of side 1, in units of its mean (White, Viscous Fluid Flow).
-double squareDuct(double y, double z) {
-    constexpr double pi = std::numbers::pi;
-    double u = 0.0, mean = 0.0;
-    for (int i = 1; i < 60; i += 2) {
-        const double sign = i % 4 == 1 ? 1.0 : -1.0;
-        const double cube = std::pow(i, -3.0);
-        u += sign * cube * std::cos(i * pi * (y - 0.5)) *
-             (1.0 - std::cosh(i * pi * (z - 0.5)) / std::cosh(i * pi / 2.0));
-        mean += std::pow(i, -5.0) * std::tanh(i * pi / 2.0);
-    }
-    // u carries the factor 4/pi^3, the mean 1/12 (1 - 192/pi^5 sum).
-    return 4.0 / (pi * pi * pi) * u / ((1.0 - 192.0 / std::pow(pi, 5.0) * mean) / 12.0);
-}
-
 } // namespace
 
 TEST_F(ThreeDimensions, LidDrivenCubeApproachesThePublishedRangeAsTheMeshIsRefined) {
@@ -150,7 +135,7 @@ TEST_F(ThreeDimensions, DuctFlowDevelopsIntoTheSeriesSolutionAndKeepsItsMass) {
         for (int j = 0; j < 10; ++j) {
             const double y = 0.05 + 0.1 * i, z = 0.05 + 0.1 * j;
             sampled.push_back(sampleAt({0.75 * length, y * n, z * n}, u));
-            exact.push_back(squareDuct(y, z));
+            exact.push_back(support::squareDuct(y, z));
             measuredMean += sampled.back() / 100.0;
         }
     for (std::size_t i = 0; i < exact.size(); ++i)
