@@ -210,7 +210,7 @@ Result cube(const Context& context, const Reference& reference, const std::vecto
 }
 
 Result cube100(const Context& context) {
-    return context.quick() ? cube(context, reynolds100, {8}, 0.012, 0.002, 0.0)
+    return context.quick() ? cube(context, reynolds100, {8}, 0.011, -0.009, 0.0)
                            : cube(context, reynolds100, {8, 12, 16, 20}, 0.003, 0.003, 0.0);
 }
 
