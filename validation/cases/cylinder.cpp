@@ -112,7 +112,7 @@ CylinderCase cylinderCase(int m, double Re, double Ma, bool outflow) {
     s.zones.push_back({});
     s.tolerance = 1e-8;
     s.interval = 2000;
-    s.maxSteps = 120000;
+    s.maxSteps = 4000 * m; // the drifting density keeps the residual from falling to the tolerance
     return {sides, plane, s};
 }
 

@@ -216,8 +216,8 @@ Result choices(const Context& context) {
     run("clustered", wallClusteredRectangles(n, 1.2), 0.2, 0.4);
     if (!context.quick()) {
         run("Ma 0.1", squares(n), 0.1, 0.4);
+        run("Ma 0.4", squares(n), 0.4, 0.4);
         run("CFL 0.2", squares(n), 0.2, 0.2);
-        run("CFL 0.5", squares(n), 0.2, 0.5);
     }
     result.tables.push_back(table);
     return result;
