@@ -74,7 +74,20 @@ SpaceMesh cubeMesh(int n) {
     return {wordsFor(n, n),
             support::boxOfTetrahedra(n, n, n),
             {"left", "right", "front", "back", "bottom", "top"},
-            support::sidesOfBox3D({L, L, L})};
+            support::sidesOfBox3D({L, L, L}),
+            L};
+}
+
+SpaceMesh wallClusteredCube(int n, double s) {
+    SpaceMesh space = cubeMesh(n);
+    const auto place = [s](double t) { return 0.5 + 0.5 * std::tanh(s * (2.0 * t - 1.0)) / std::tanh(s); };
+    const double side = 1.0 / place(1.0 / n), widest = side * (place(0.5 + 0.5 / n) - place(0.5 - 0.5 / n));
+    for (Vec3& p : space.tetrahedra.points)
+        p = {side * place(p.x / n), side * place(p.y / n), side * place(p.z / n)};
+    space.side = side;
+    space.words.replace("cubes", QString("bricks, edges 1 at the walls to %1").arg(number(widest, 2)));
+    space.zoneOf = support::sidesOfBox3D({side, side, side});
+    return space;
 }
 
 SpaceMesh ductMesh(int length, int n) {
@@ -85,13 +98,14 @@ SpaceMesh ductMesh(int length, int n) {
                 if (p.x < 1e-9)
                     return 1;
                 return p.x > length - 1e-9 ? 2 : 0;
-            }};
+            },
+            double(n)};
 }
 
 QStringList describe(const SpaceMesh& space, const SpaceSetUp& s, const Run& run) {
     QStringList lines;
     lines << "Files: velocity file `" + s.velocityFile + "`; mesh of " + space.words +
-                 ", the cubes' edges one length unit long";
+                 QString(", the shortest edges one length unit long, the side %1").arg(number(space.side));
     lines << "Lattice: \"CFL number(0~1.0)\" " + number(s.CFL) + ", \"RT(>0)\" " + number(s.RT, 6);
     QString physics = QString("Physics: \"Flow type\" \"%1\", \"Heat transfer\" \"%2\", L %3, \"Ma\" %4")
                           .arg(s.flowKind == 1 ? "Natural" : "Forced", s.heat ? "Considered" : "None",

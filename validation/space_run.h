@@ -7,17 +7,22 @@
 
 namespace fluvane::validation {
 
-/// A mesh of tetrahedra and the names of its zones, in the order of `zoneOf`. Bricks have edges of length 1:
-/// the time step is built from the smallest face's area.
+/// A mesh of tetrahedra and the names of its zones, in the order of `zoneOf`. The shortest edges of the bricks
+/// have length 1: the time step is built from the smallest face's area.
 struct SpaceMesh {
     QString words;
     support::Tetrahedra tetrahedra;
     QStringList zoneNames;
     support::ZoneOfFace zoneOf;
+    double side; ///< of the cube or of the duct's section
 };
 
 /// n by n by n cubes cut into five tetrahedra each; zones: x low, x high, y low, y high, z low, z high.
 SpaceMesh cubeMesh(int n);
+
+/// The same with the planes drawn to the walls by a hyperbolic tangent of steepness s; the bricks at the walls
+/// have edges of length 1.
+SpaceMesh wallClusteredCube(int n, double s);
 
 /// A duct of `length` by n by n cubes along x; zones: walls, inlet, outlet.
 SpaceMesh ductMesh(int length, int n);

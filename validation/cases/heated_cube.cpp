@@ -16,17 +16,23 @@ struct Reference {
 constexpr Reference at1e4{1e4, 2.0540, 2.100, 2.0624};
 constexpr Reference at1e5{1e5, 4.3370, 4.361, 4.3665};
 
-SpaceSetUp heatedSetUp(double Ra, int n) {
+constexpr double clustering = 1.5;
+
+SpaceSetUp heatedSetUp(double Ra, const SpaceMesh& space) {
     SpaceSetUp s;
+    // The diffusion that the reconstruction adds shrinks with a longer step; from 0.4 on runs do not settle.
+    s.CFL = 0.35;
     s.flowKind = 1;
     s.heat = true;
-    s.L = n;
+    s.L = space.side;
+    // Velocities stay below 0.3 of the reference velocity, so that this Mach number is mild.
+    s.Ma = 0.4;
     s.ReOrRa = Ra;
     s.zones = std::vector<support::Zone3D>(6);
     s.zones[0] = {{}, 0, 1, 0.5};
     s.zones[1] = {{}, 0, 1, -0.5};
     // The slow change of mass keeps the residual from falling much further.
-    s.tolerance = 5e-6 * 8 / n;
+    s.tolerance = 1e-4 / space.side;
     return s;
 }
 
@@ -83,8 +89,8 @@ Result heatedCube(const Context& context, const Reference& reference, const std:
     for (std::size_t i = 0; i < sizes.size(); ++i) {
         const int n = sizes[i];
         const double refinement = i > 0 ? double(n) / sizes[i - 1] : 0.0;
-        const SpaceMesh space = cubeMesh(n);
-        const SpaceSetUp setUp = heatedSetUp(reference.Ra, n);
+        const SpaceMesh space = wallClusteredCube(n, clustering);
+        const SpaceSetUp setUp = heatedSetUp(reference.Ra, space);
         result.runs.push_back(runSteady3D(context, QString("cubes_%1").arg(n), space, setUp));
         if (result.setUp.isEmpty())
             result.setUp = describe(space, setUp, result.runs.back());
@@ -103,17 +109,14 @@ Result heatedCube(const Context& context, const Reference& reference, const std:
     }
     result.tables.push_back(table);
     result.plots.push_back(
-        {"nusselt", "Mean Nusselt number against the spacing.", "1 / cubes a side", "Nu", {ours}});
+        {"nusselt", "Mean Nusselt number against the spacing.", "1 / bricks a side", "Nu", {ours}});
     addPublished(result, reference);
     result.pictures.push_back(
         {"field",
          "Temperature in the plane of symmetry on the finest mesh.",
          result.runs.back().resultFile,
-         {"--slice", QString("y=%1").arg(sizes.back() / 2.0), "--show", "T", "--vectors"}});
+         {"--slice", QString("y=%1").arg(caseSettings.L / 2.0), "--show", "T", "--vectors"}});
     addBands(result, now, low, high);
-    result.remarks
-        << "The Nusselt number comes out too low on coarse meshes; one within a per cent of the published "
-           "ones needs more cubes than were run here.";
     result.remarks
         << "The mesh is its own mirror image; the flow is so only to within the difference in the table, "
            "which is of the size of the scheme's error.";
@@ -121,12 +124,12 @@ Result heatedCube(const Context& context, const Reference& reference, const std:
 }
 
 Result ra1e4(const Context& context) {
-    return context.quick() ? heatedCube(context, at1e4, {8}, 1.80, 1.88)
-                           : heatedCube(context, at1e4, {8, 12, 16}, 1.93, 2.08);
+    return context.quick() ? heatedCube(context, at1e4, {8}, 1.91, 1.98)
+                           : heatedCube(context, at1e4, {8, 12, 16}, 2.013, 2.095);
 }
 
 Result ra1e5(const Context& context) {
-    return heatedCube(context, at1e5, {12, 16}, 3.2, 4.4);
+    return heatedCube(context, at1e5, {8, 12, 16}, 4.25, 4.424);
 }
 
 const Registered case1e4({78, "heated-cube-1e4", "Natural convection in a cube, Ra 1e4", ra1e4, 330});
