@@ -135,6 +135,7 @@ struct Wanted {
     double length; ///< of the channel
     double time;   ///< to run for
     double Ma = 0.1;
+    double CFL = 0.3;
     bool outflow = false;
 };
 
@@ -156,7 +157,7 @@ CylinderCase cylinderCase(const Wanted& w) {
         return std::hypot(x - middle, y - middle) < 2.0 * radius ? cylinder : outer(x, y);
     };
     PlaneSetUp s;
-    s.CFL = 0.4;
+    s.CFL = w.CFL;
     s.Ma = w.Ma;
     s.ReOrRa = w.Re;
     s.zones = sides.zones({}, {});
@@ -279,7 +280,7 @@ Result steadyCylinder(const Context& context) {
     Table at20{"Re 20 on the mean of the inlet and the diameter.", steadyColumns, {}};
     SteadyFigures finest;
     const double time = context.quick() ? 60.0 : 80.0;
-    for (const int m : context.quick() ? std::vector{12} : std::vector{16, 24, 32})
+    for (const int m : context.quick() ? std::vector{12} : std::vector{16, 22, 28})
         finest = steadyRun(context, {QString("Re20_%1").arg(m), m, 20.0, length, time}, at20, result);
     const QString finestFile = result.runs.back().resultFile;
     at20.rows.push_back({"", "published", "5.57 to 5.59", "0.842 to 0.852", "2.93 to 2.94", "", ""});
@@ -291,7 +292,7 @@ Result steadyCylinder(const Context& context) {
     result.tables.push_back(at20);
     if (!context.quick()) {
         Table at40{"Re 40 in the same channel; no published figures are held for it.", steadyColumns, {}};
-        for (const int m : {16, 24})
+        for (const int m : {16, 22})
             steadyRun(context, {QString("Re40_%1").arg(m), m, 40.0, length, time}, at40, result);
         result.tables.push_back(at40);
     }
@@ -302,18 +303,19 @@ Result steadyCylinder(const Context& context) {
            "squared mean velocity measured one diameter from the inlet."
         << "Each run takes the same time, since the sound of the sudden start has to die away between inlet "
            "and outlet. The pressure drop makes more mass enter than leave, so the density level rises "
-           "slowly "
-           "to the end; the velocities do not follow it. With Ma 0.2 in the place of 0.1 the flow is visibly "
-           "compressible: on 96 faces around the cylinder the recirculation grows by 9 % and the drag by "
-           "2.5 %."
+           "slowly to the end; the mean velocity does not follow it. Ma 0.2, tried once on a similar mesh of "
+           "96 faces around the cylinder, made the recirculation some 5 to 9 % longer: the flow is then "
+           "visibly "
+           "compressible. A larger CFL number diffuses less, but with 0.4 meshes of 96 and 128 faces around "
+           "the cylinder broke off at Re 20."
         << "A cylinder in an unbounded stream cannot be set up, as there is no boundary kind for a free "
-           "stream "
-           "or for slip: the recirculation of 2.1 to 2.35 diameters that is known for Re 40 there does not "
+           "stream or for slip: the recirculation of 2.1 to 2.35 diameters that is known for Re 40 there "
+           "does not "
            "apply to the channel, and the figures of Re 40 only show how they change with the mesh.";
     result.bands.push_back(
-        {"drag over the published", finest.drag / 5.58, 0.95, context.quick() ? 1.15 : 1.05});
+        {"drag over the published", finest.drag / 5.58, 0.95, context.quick() ? 1.17 : 1.05});
     result.bands.push_back({"recirculation over the published", finest.wake / 0.847,
-                            context.quick() ? 0.6 : 0.95, context.quick() ? 0.9 : 1.05});
+                            context.quick() ? 0.6 : 0.95, context.quick() ? 0.85 : 1.05});
     result.pictures.push_back({"flow",
                                "Speed and streamlines at Re 20 on the finest mesh.",
                                finestFile,
@@ -349,17 +351,22 @@ std::size_t cellNextTo(double x, double y) {
     return best;
 }
 
-/// v two diameters behind the cylinder's middle from all result files of the run, which are named by their
-/// Fourier number; only the last file stays.
-History wakeHistory(const Context& context, Run& run) {
-    QDir folder(context.folder);
-    const QRegularExpression ours("^" + QRegularExpression::escape(run.name) + "_([0-9.e+-]+)\\.dat$");
+/// The result files of a transient run by their Fourier numbers.
+std::map<double, QString> resultFiles(const Context& context, const QString& name) {
+    const QRegularExpression ours("^" + QRegularExpression::escape(name) + "_([0-9.e+-]+)\\.dat$");
     std::map<double, QString> files;
-    for (const QString& file : folder.entryList(QDir::Files)) {
+    for (const QString& file : QDir(context.folder).entryList(QDir::Files)) {
         const QRegularExpressionMatch match = ours.match(file);
         if (match.hasMatch())
             files[match.captured(1).toDouble()] = file;
     }
+    return files;
+}
+
+/// v two diameters behind the cylinder's middle from all result files of the run; only the last one stays.
+History wakeHistory(const Context& context, Run& run) {
+    QDir folder(context.folder);
+    const std::map<double, QString> files = resultFiles(context, run.name);
     const std::size_t cell = cellNextTo(middle + 2.0, middle);
     History history;
     for (const auto& [fourier, file] : files) {
@@ -423,7 +430,7 @@ Forces largestForces(const CylinderCase& c, double time) {
 }
 
 Result sheddingCylinder(const Context& context) {
-    constexpr double length = 16.0, time = 100.0, filesPerTime = 4.0;
+    constexpr double length = 16.0, time = 130.0, filesPerTime = 4.0;
     Result result;
     result.sources << "M. Schaefer, S. Turek (1996) as above, case 2D-2: Strouhal number 0.295 to 0.305, "
                       "largest drag 3.22 to 3.24, largest lift 0.99 to 1.01.";
@@ -433,13 +440,15 @@ Result sheddingCylinder(const Context& context) {
     Plot plot{"wake", "v two diameters behind the cylinder, from the result files.", "t U / D", "v / U", {}};
     double strouhal = 0.0, drag = 0.0, lift = 0.0;
     for (const int m : {16, 24}) {
-        const CylinderCase c = cylinderCase({QString("Re100_%1").arg(m), m, 100.0, length, time, 0.2});
+        const QString name = QString("Re100_%1").arg(m);
+        const CylinderCase c = cylinderCase({name, m, 100.0, length, time, 0.1, 0.4});
         const int interval = static_cast<int>(c.stepsPerTime / filesPerTime);
-        Run run =
-            runTransient(context, QString("Re100_%1").arg(m), c.plane, c.setUp, c.setUp.maxSteps, interval);
+        for (const auto& [fourier, file] : resultFiles(context, name))
+            QDir(context.folder).remove(file); // of an earlier run, perhaps with other steps
+        Run run = runTransient(context, name, c.plane, c.setUp, c.setUp.maxSteps, interval);
         const History history = wakeHistory(context, run);
         const Forces forces = largestForces(c, 8.0);
-        const Frequency frequency = frequencyOf(history, 0.7 * time);
+        const Frequency frequency = frequencyOf(history, 0.75 * time);
         strouhal = frequency.value / forces.flow;
         drag = forces.drag;
         lift = forces.lift;
@@ -455,13 +464,12 @@ Result sheddingCylinder(const Context& context) {
     table.rows.push_back({"published", "0.295 to 0.305", "", "3.22 to 3.24", "0.99 to 1.01", ""});
     result.tables.push_back(table);
     result.plots.push_back(plot);
-    result.remarks << "The first periods from rest are left out. The wake is asymmetric from the start, the "
-                      "cylinder being "
-                      "below the middle of the channel. The forces are the largest of 8 diameters over the "
-                      "mean velocity "
-                      "beyond the last result file, over the density and the squared mean velocity measured "
-                      "ahead of the "
-                      "cylinder.";
+    result.remarks
+        << "The last quarter of the run is evaluated. No start but rest can be typed, and none is needed: "
+           "the "
+           "cylinder is below the middle of the channel. The forces are the largest of 8 diameters over the "
+           "mean velocity beyond the last result file, over the density and the squared mean velocity "
+           "measured ahead of the cylinder.";
     result.bands.push_back({"Strouhal number over the published", strouhal / 0.3, 0.95, 1.05});
     result.bands.push_back({"largest drag over the published", drag / 3.23, 0.9, 1.1});
     result.bands.push_back({"largest lift over the published", lift / 1.0, 0.8, 1.2});
