@@ -7,8 +7,8 @@
 
 namespace fluvane::validation {
 
-/// A mesh of tetrahedra and the names of its zones, in the order of `zoneOf`. The shortest edges of the bricks
-/// have length 1: the time step is built from the smallest face's area.
+/// A mesh of tetrahedra and the names of its zones, in the order of `zoneOf`. The shortest edges of the
+/// bricks have length 1: the time step is built from the smallest face's area.
 struct SpaceMesh {
     QString words;
     support::Tetrahedra tetrahedra;
@@ -20,8 +20,8 @@ struct SpaceMesh {
 /// n by n by n cubes cut into five tetrahedra each; zones: x low, x high, y low, y high, z low, z high.
 SpaceMesh cubeMesh(int n);
 
-/// The same with the planes drawn to the walls by a hyperbolic tangent of steepness s; the bricks at the walls
-/// have edges of length 1.
+/// The same with the planes drawn to the walls by a hyperbolic tangent of steepness s; the bricks at the
+/// walls have edges of length 1.
 SpaceMesh wallClusteredCube(int n, double s);
 
 /// A duct of `length` by n by n cubes along x; zones: walls, inlet, outlet.

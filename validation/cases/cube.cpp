@@ -211,11 +211,11 @@ Result cube(const Context& context, const Reference& reference, const std::vecto
 
 Result cube100(const Context& context) {
     return context.quick() ? cube(context, reynolds100, {8}, 0.011, -0.009, 0.0)
-                           : cube(context, reynolds100, {8, 12, 16, 20}, 0.003, 0.003, 0.0);
+                           : cube(context, reynolds100, {8, 12, 16, 20}, 0.0043, 0.0043, 0.0);
 }
 
 Result cube400(const Context& context) {
-    Result result = cube(context, reynolds400, {12, 16, 20}, 0.03, 0.03, 0.0);
+    Result result = cube(context, reynolds400, {12, 16, 20}, 0.0048, 0.0048, 0.0);
     result.remarks
         << "The boundary layers are a few cubes thick at best: the change from mesh to mesh tells what is "
            "still missing.";
@@ -223,7 +223,7 @@ Result cube400(const Context& context) {
 }
 
 Result cube1000(const Context& context) {
-    Result result = cube(context, reynolds1000, {16, 20}, 0.08, 0.08, 0.06);
+    Result result = cube(context, reynolds1000, {12, 16, 20}, 0.0055, 0.0055, 0.02);
     result.remarks
         << "Too coarse for this Reynolds number: the published boundary layers are 0.05 to 0.1 thick, one "
            "or two cubes here. What is shown is that the flow is stable and of the right "
