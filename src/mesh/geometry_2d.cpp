@@ -199,10 +199,6 @@ void shapeCell(CellRecord& cell, std::int32_t c, const Links& links, const Faces
     finishFaces(cell, c, links, faces);
 }
 
-Centres centresOf(const Cells& cells) {
-    return Centres(cells.size(), [&cells](std::size_t c) { return centreOf(cells[c]); });
-}
-
 void shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) {
     FlawedCells singular;
     FlawedCells open;
@@ -237,7 +233,7 @@ bool build(Storage storage) {
     Cells cells(static_cast<std::size_t>(highest) + 1);
     if (!connectCells<Records2D>(faces, cells))
         return false;
-    const Centres centres = centresOf(cells);
+    const Centres centres(cells.size(), [&cells](std::size_t c) { return centreOf(cells[c]); });
     storeInOrder<Records2D>(chooseOrder<Records2D>(storage, faces, cells, centres), highest + 1);
     if (!buildNeighbourLists<Records2D>(cells))
         return false;

@@ -68,7 +68,7 @@ void appendHeader2D(FileText& text, const ResultSnapshot2D& s) {
     text += lineEnd;
     appendParameter(text, "error=", s.error);
     text += lineEnd;
-    appendLine(text, "VARIABLES = \"X\", \"Y\", \"rho\",\"u\",\"v\",\"T\",\"H\",\"fl\"");
+    appendLine(text, R"(VARIABLES = "X", "Y", "rho","u","v","T","H","fl")");
     appendZone(text, s.cells.size(), "FEQUADRILATERAL");
     // Deliberate: the range names seven cell-centred variables though the file has six; readers of these
     // files know the line as it stands.
@@ -129,7 +129,7 @@ void appendConnectivity2D(FileText& text) {
 /// Deliberate: no parameters and no error line, unlike in 2D.
 void appendHeader3D(FileText& text, const ResultSnapshot3D& s) {
     appendTitle(text);
-    appendLine(text, "VARIABLES = \"X\", \"Y\",\"Z\",\"rho\",\"u\",\"v\",\"w\",\"T\"");
+    appendLine(text, R"(VARIABLES = "X", "Y","Z","rho","u","v","w","T")");
     appendZone(text, s.cells.size(), "FETETRAHEDRON");
     appendLine(text, "VARLOCATION = ([1-3]=NODAL, [4-8]=CELLCENTERED)");
 }
