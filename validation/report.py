@@ -28,7 +28,8 @@ _READING = """\
 - **Mach number and time step.** Against what compressibility alone would suggest, a smaller Mach number makes the
   cavity on coarse meshes worse: in lattice units the viscosity shrinks with it, while the diffusion that the
   reconstruction adds does not. The time step acts either way: the cavity on coarse meshes gets better with a shorter one,
-  natural convection much worse. See the cases on both. Where the mesh is fine enough that this no longer matters, the Mach
+  natural convection much worse, where CFL 0.5 instead of 0.4 nearly halves the error and 0.55 no longer settles. See the
+  cases on both. Where the mesh is fine enough that this no longer matters, the Mach
   number's own error is what remains: Couette flow shows it alone.
 - **Relaxation time at walls.** Adiabatic walls slow conduction along them by the order of the relaxation time. At the
   lowest Rayleigh number it is longest against the mesh: there the largest and smallest Nusselt numbers, which sit in the
@@ -36,6 +37,9 @@ _READING = """\
 - **Outflow** takes what the cell beside it has and fixes no pressure. The profile of a channel is right, but what leaves
   differs from what enters while the density drifts; on triangles more than on squares. A profile typed at both ends keeps
   the balance better.
+- **Cells drawn to the walls** are worth more than more cells where boundary layers are thin: natural convection at
+  Ra 1e5 on 48 x 48 clustered cells is nearer to the published Nusselt number than on 96 x 96 squares, and the cube on
+  12 x 12 x 12 bricks nearer than on 16 x 16 x 16 cubes. The cavity, whose lid meets sharp corners, gains nothing.
 - **Symmetry** holds to the discretisation error, not to rounding.
 """
 
