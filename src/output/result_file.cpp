@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <new>
 #include <string_view>
 
 namespace fluvane {
@@ -159,12 +160,25 @@ void appendNumberLines(FileText& text, const std::vector<double>& values) {
         appendNumberLine(text, value);
 }
 
+/// False when memory has no room for a copy of the cells: the snapshot stays empty, and the writers refuse
+/// it.
+template <class Cell>
+bool makeRoom(std::vector<Cell>& cells, std::size_t count) {
+    try {
+        cells.reserve(count);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
 } // namespace
 
 ResultSnapshot2D captureResult2D() {
     const CaseSettings& c = caseSettings;
     ResultSnapshot2D s;
-    s.cells.reserve(mesh.cells2D.size());
+    if (!makeRoom(s.cells, mesh.cells2D.size()))
+        return s;
     for (const CellRecord& cell : mesh.cells2D)
         s.cells.push_back({cell.rho, cell.u, cell.v, cell.T, cell.H});
     s.flowOn = c.flowOn != 0;
@@ -208,7 +222,8 @@ bool writeResult2D(const QString& path) {
 ResultSnapshot3D captureResult3D() {
     const CaseSettings& c = caseSettings;
     ResultSnapshot3D s;
-    s.cells.reserve(mesh.cells3D.size());
+    if (!makeRoom(s.cells, mesh.cells3D.size()))
+        return s;
     for (const CellRecord3D& cell : mesh.cells3D)
         s.cells.push_back({cell.rho, cell.u, cell.v, cell.w, cell.T});
     s.heatOn = c.heatOn;

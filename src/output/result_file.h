@@ -20,7 +20,8 @@ struct ResultSnapshot2D {
     double error = 0; ///< exactSolutionError() of this instant
 };
 
-/// Copies the present state. The caller keeps a run from stepping meanwhile.
+/// Copies the present state. The caller keeps a run from stepping meanwhile. Where memory is short the
+/// snapshot has no cells, and the writers refuse it.
 ResultSnapshot2D captureResult2D();
 
 /// Writes a captured state to a Tecplot ASCII file: parameters, points, cell-centred fields, connectivity;

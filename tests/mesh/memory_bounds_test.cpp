@@ -8,59 +8,30 @@
 #include "support/grid_mesh.h"
 #include "support/mesh_builder_3d.h"
 #include "support/mesh_file_3d.h"
+#include "support/spare_memory.h"
 #include "velocity/velocity_file.h"
 
 #include <QFile>
 
-#include <malloc.h>
 #include <memory>
 #include <new>
 #include <omp.h>
-#include <sys/resource.h>
-#include <unistd.h>
 #include <vector>
 
 namespace fluvane {
 
 namespace {
 
+using support::addressSpaceIsOurs;
+using support::SpareMemory;
+
 constexpr std::size_t megabyte = std::size_t{1} << 20;
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool addressSpaceIsOurs = false; // the sanitizers map terabytes for themselves
-#else
-constexpr bool addressSpaceIsOurs = true;
-#endif
-
-std::size_t mappedBytes() {
-    QFile file(QStringLiteral("/proc/self/statm"));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readLine().split(' ').front().toULongLong() * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-}
-
-/// While it lives the process may map only so much more.
-class SpareMemory {
-public:
-    explicit SpareMemory(std::size_t bytes) {
-        EXPECT_EQ(getrlimit(RLIMIT_AS, &m_before), 0);
-        rlimit limited = m_before;
-        limited.rlim_cur = mappedBytes() + bytes;
-        EXPECT_EQ(setrlimit(RLIMIT_AS, &limited), 0);
-    }
-    ~SpareMemory() { setrlimit(RLIMIT_AS, &m_before); }
-    SpareMemory(const SpareMemory&) = delete;
-    SpareMemory& operator=(const SpareMemory&) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 class MemoryBoundsTest : public CapturedTerminalTest {
 protected:
     MemoryBoundsTest() {
         velocitySet.velocityCount = 9;
-        omp_set_num_threads(1);             // a further thread would need memory of its own
-        mallopt(M_MMAP_THRESHOLD, 1 << 17); // fixed: what one test gave back, another does not get
+        omp_set_num_threads(1); // a further thread would need memory of its own
     }
     ~MemoryBoundsTest() override { omp_set_num_threads(threadsBefore); }
 

@@ -2,6 +2,7 @@
 #include "output/result_file.h"
 
 #include "small_mesh.h"
+#include "support/spare_memory.h"
 
 #include <QFileInfo>
 #include <QLocale>
@@ -10,6 +11,7 @@
 #include <atomic>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -268,6 +270,21 @@ TEST_F(ResultFile, ShowsTheCapturedInstantAfterTheFieldsMovedOn) {
     EXPECT_EQ(readFile(inFolder("later.dat")), readFile(inFolder("before.dat")));
 }
 
+TEST_F(ResultFile, RunningOutOfMemoryLeavesNoFile) {
+    if (!support::addressSpaceIsOurs)
+        GTEST_SKIP() << "the address space cannot be limited here";
+    constexpr std::int32_t cells = 2'000'000; // no arena keeps so much in reserve
+    mesh.allocateCells2D(cells);
+    mesh.cellCount = cells;
+    {
+        const support::SpareMemory spare(std::size_t{1} << 20);
+        EXPECT_TRUE(captureResult2D().cells.empty());
+        EXPECT_FALSE(writeResult2D(inFolder("r.dat")));
+    }
+    EXPECT_FALSE(QFileInfo::exists(inFolder("r.dat")));
+    EXPECT_EQ(captureResult2D().cells.size(), std::size_t{cells});
+}
+
 TEST_F(ResultFile, RefusesASnapshotOfAnotherMesh) {
     const ResultSnapshot2D snapshot = captureResult2D();
     mesh.clear();
@@ -476,6 +493,21 @@ TEST_F(ResultFile3D, ShowsTheCapturedInstantAfterTheFieldsMovedOn) {
     caseSettings.thermalScaleKind = 1;
     ASSERT_TRUE(writeResult3D(inFolder("later.dat"), snapshot));
     EXPECT_EQ(readFile(inFolder("later.dat")), readFile(inFolder("before.dat")));
+}
+
+TEST_F(ResultFile3D, RunningOutOfMemoryLeavesNoFile) {
+    if (!support::addressSpaceIsOurs)
+        GTEST_SKIP() << "the address space cannot be limited here";
+    constexpr std::int32_t cells = 2'000'000; // no arena keeps so much in reserve
+    mesh.allocateCells3D(cells);
+    mesh.cellCount = cells;
+    {
+        const support::SpareMemory spare(std::size_t{1} << 20);
+        EXPECT_TRUE(captureResult3D().cells.empty());
+        EXPECT_FALSE(writeResult3D(inFolder("r.dat")));
+    }
+    EXPECT_FALSE(QFileInfo::exists(inFolder("r.dat")));
+    EXPECT_EQ(captureResult3D().cells.size(), std::size_t{cells});
 }
 
 TEST_F(ResultFile3D, RefusesASnapshotOfAnotherMesh) {
