@@ -292,7 +292,7 @@ Result steadyCylinder(const Context& context) {
     result.tables.push_back(at20);
     if (!context.quick()) {
         Table at40{"Re 40 in the same channel; no published figures are held for it.", steadyColumns, {}};
-        for (const int m : {16, 22})
+        for (const int m : {16, 22, 28})
             steadyRun(context, {QString("Re40_%1").arg(m), m, 40.0, length, time}, at40, result);
         result.tables.push_back(at40);
     }
@@ -439,7 +439,7 @@ Result sheddingCylinder(const Context& context) {
                 {}};
     Plot plot{"wake", "v two diameters behind the cylinder, from the result files.", "t U / D", "v / U", {}};
     double strouhal = 0.0, drag = 0.0, lift = 0.0;
-    for (const int m : {16, 24}) {
+    for (const int m : {12, 16, 24}) {
         const QString name = QString("Re100_%1").arg(m);
         const CylinderCase c = cylinderCase({name, m, 100.0, length, time, 0.2, 0.4});
         const int interval = static_cast<int>(c.stepsPerTime / filesPerTime);
