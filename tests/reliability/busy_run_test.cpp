@@ -113,7 +113,8 @@ private slots:
     void dialogsConfirmedDuringARunTakeTurnsWithItsSteps() {
         Shell shell;
         prepare(shell);
-        // A field just set to rest has not changed: below no tolerance, so that a look at it then ends nothing.
+        // A field just set to rest has not changed: below no tolerance, so that a look at it then ends
+        // nothing.
         QWidget* const control = Shell::dialog("NUM_Process_Win");
         type(control, "lineEdit_Error_U", "");
         type(control, "lineEdit_Error_T", "");
