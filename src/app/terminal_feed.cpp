@@ -11,6 +11,8 @@
 
 TerminalFeed::TerminalFeed(QTextBrowser* pane) : m_pane(pane) {
     pane->document()->setMaximumBlockCount(maxLines);
+    // A signal without arguments, so that nothing of ours travels in the event from thread to thread.
+    connect(this, &TerminalFeed::linesWaiting, this, &TerminalFeed::drain, Qt::QueuedConnection);
     fluvane::setTerminalSink([this](const QString& line) { take(line); });
 }
 
@@ -32,8 +34,7 @@ void TerminalFeed::take(const QString& line) {
     if (onPaneThread)
         drain(); // with what other threads said before it
     else if (post)
-        QMetaObject::invokeMethod(
-            &m_receiver, [this] { drain(); }, Qt::QueuedConnection);
+        emit linesWaiting();
 }
 
 void TerminalFeed::drain() {

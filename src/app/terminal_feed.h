@@ -12,24 +12,27 @@ class QTextBrowser;
 /// thread: a burst of lines costs one event, not one a line. The pane, and what waits for it, keep the last
 /// `maxLines` lines: a run without end must not take ever more memory. One feed at a time. Must not outlive
 /// the pane.
-class TerminalFeed {
+class TerminalFeed : public QObject {
+    Q_OBJECT
+
 public:
     static constexpr int maxLines = 20000;
 
     explicit TerminalFeed(QTextBrowser* pane);
-    ~TerminalFeed();
-    TerminalFeed(const TerminalFeed&) = delete;
-    TerminalFeed& operator=(const TerminalFeed&) = delete;
+    ~TerminalFeed() override;
 
     /// Empties the pane. Lines said before are gone with what stood there. Pane's thread only.
     void clear();
+
+signals:
+    /// Asks the pane's thread to show what waits.
+    void linesWaiting();
 
 private:
     void take(const QString& line);
     void drain();
 
     QTextBrowser* m_pane;
-    QObject m_receiver; ///< of the posted drains: they go with it
     std::mutex m_mutex; ///< guards the two below
     QQueue<QString> m_waiting;
     bool m_drainPosted = false;
