@@ -25,7 +25,7 @@ PROGRAMS = {
     "step_2d_benchmark": "/n:64/",
     "step_3d_benchmark": "/n:10/velocities:19/",
     "loop_benchmark": "(squares/n:64|tetrahedra/n:10)/flow/",
-    "read_mesh_benchmark": "(/256|n:20/velocities:19/shuffled:0)/",
+    "read_mesh_benchmark": "/(n:256|n:20/velocities:19/shuffled:0)/",
     "write_result_benchmark": "resultFile/n:256/",
     "memory_benchmark": "n:(256|10)/",
 }

@@ -188,11 +188,13 @@ def reading(results):
             kind += f", {words['velocities']} velocities"
         if words.get("shuffled") == "1":
             kind += ", numbered at random"
-        row = [thousands(b["cells"]), kind]
+        row = [thousands(b["cells"]), kind, f"{b['threads']:.0f}"]
         for phase in ("read", "geometry"):
-            row += [f"{rounded(b[phase + '_s'], 2)} s", f"{rounded(b[phase + '_ns/cell'])}"]
-        rows.append([*row, rounded(b["MB/s"])])
-    return table(["Cells", "Mesh", "Reading", "ns a cell", "Geometry", "ns a cell", "MB/s read"], rows)
+            row += [f"{rounded(b[phase + '_s'], 2)} s", f"{rounded(b[phase + '_system_s'], 2)} s"]
+        rows.append([*row, rounded(b["geometry_ns/cell"]), rounded(b["MB/s"])])
+    head = ["Cells", "Mesh", "Threads", "Reading", "in the system", "Geometry", "in the system",
+            "Geometry, ns a cell", "MB/s read"]
+    return table(head, rows)
 
 
 def writing(results):

@@ -5,6 +5,10 @@
 
 #include <QStringList>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 namespace fluvane {
 
 namespace {
@@ -23,6 +27,13 @@ QString nodeListOf(std::span<const std::int32_t> nodes) {
         text +=
             (k + 1 < nodes.size() ? QStringLiteral(", ") : QStringLiteral(" and ")) + fileNumber(nodes[k]);
     return text;
+}
+
+/// Gives the system back what the tables of the passes left in the heap, which a run would carry along.
+void trimHeap() {
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
 }
 
 } // namespace
@@ -73,7 +84,9 @@ void addUp(std::vector<std::int32_t>& start) {
 
 bool buildWithinMemory(bool (*build)(Storage), Storage storage) {
     try {
-        return build(storage);
+        const bool built = build(storage);
+        trimHeap();
+        return built;
     } catch (const std::bad_alloc&) {
         return refuseMesh(QStringLiteral("%1 faces").arg(mesh.totalFaceCount()),
                           QStringLiteral("not enough memory for the cells"));
