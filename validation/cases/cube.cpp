@@ -117,6 +117,12 @@ SpaceSetUp cubeSetUp(double Re, int n) {
     SpaceSetUp s;
     s.L = n;
     s.ReOrRa = Re;
+    // The larger Mach number takes a third fewer steps, and the scheme diffuses less; what compressibility
+    // adds is far below what these meshes leave out.
+    if (Re > 100.0)
+        s.Ma = 0.3;
+    if (Re > 400.0)
+        s.maxSteps = 14000;
     s.zones = std::vector<support::Zone3D>(6);
     s.zones[5].velocity = {1.0, 0.0, 0.0};
     // Per step, so that the change per unit of time is the same on every mesh.
@@ -233,8 +239,8 @@ Result cube1000(const Context& context) {
 }
 
 const Registered at100({75, "cube-100", "Lid-driven cube, Re 100", cube100, 400});
-const Registered at400({76, "cube-400", "Lid-driven cube, Re 400", cube400, 600, false});
-const Registered at1000({77, "cube-1000", "Lid-driven cube, Re 1000", cube1000, 720, false});
+const Registered at400({76, "cube-400", "Lid-driven cube, Re 400", cube400, 500, false});
+const Registered at1000({77, "cube-1000", "Lid-driven cube, Re 1000", cube1000, 500, false});
 
 } // namespace
 

@@ -132,8 +132,8 @@ Result ra1e5(const Context& context) {
     return heatedCube(context, at1e5, {8, 12, 16}, 4.25, 4.424);
 }
 
-const Registered case1e4({78, "heated-cube-1e4", "Natural convection in a cube, Ra 1e4", ra1e4, 330});
-const Registered case1e5({79, "heated-cube-1e5", "Natural convection in a cube, Ra 1e5", ra1e5, 330, false});
+const Registered case1e4({78, "heated-cube-1e4", "Natural convection in a cube, Ra 1e4", ra1e4, 400});
+const Registered case1e5({79, "heated-cube-1e5", "Natural convection in a cube, Ra 1e5", ra1e5, 750, false});
 
 } // namespace
 
