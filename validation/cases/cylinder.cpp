@@ -319,7 +319,7 @@ Result steadyCylinder(const Context& context) {
     result.pictures.push_back({"flow",
                                "Speed and streamlines at Re 20 on the finest mesh.",
                                finestFile,
-                               {"--show", "speed", "--streamlines", "--zoom", "0", "8", "0", "4.1"}});
+                               {"--show", "speed", "--streamlines", "--zoom", "0", "0", "8", "4.1"}});
     return result;
 }
 
@@ -481,7 +481,7 @@ Result sheddingCylinder(const Context& context) {
     result.pictures.push_back({"flow",
                                "Speed on the finest mesh at the end of the run.",
                                result.runs.back().resultFile,
-                               {"--show", "speed", "--zoom", "0", "12", "0", "4.1"}});
+                               {"--show", "speed", "--zoom", "0", "0", "12", "4.1"}});
     return result;
 }
 

@@ -39,8 +39,9 @@ const Reference references[] = {{1e3,
 
 PlaneSetUp heatedSetUp(const Context& context, double Ra, int n, double Ma = 0.2) {
     PlaneSetUp s;
-    // The diffusion that the reconstruction adds shrinks with a longer step; beyond 0.5 runs break off.
-    s.CFL = 0.5;
+    // The diffusion that the reconstruction adds shrinks with a longer step. Beyond 0.5 runs break off, and
+    // at Ra 1e3, where conduction decides, from 0.5 on.
+    s.CFL = Ra > 1e3 ? 0.5 : 0.4;
     s.flowKind = 1;
     // Velocities stay below 0.27 of the reference velocity, so that these Mach numbers are mild.
     s.Ma = Ma;
@@ -215,9 +216,9 @@ Result choices(const Context& context) {
     run("as in the other cases", squares(n), 0.2, 0.5);
     run("clustered", wallClusteredRectangles(n, 1.5), 0.2, 0.5);
     if (!context.quick()) {
-        run("Ma 0.1", squares(n), 0.1, 0.5);
         run("Ma 0.4", squares(n), 0.4, 0.5);
         run("CFL 0.4", squares(n), 0.2, 0.4);
+        run("CFL 0.4 and Ma 0.1", squares(n), 0.1, 0.4); // CFL 0.5 breaks off
         run("CFL 0.2", squares(n), 0.2, 0.2);
     }
     result.tables.push_back(table);
