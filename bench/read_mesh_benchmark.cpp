@@ -13,6 +13,7 @@
 #include "timing.h"
 
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
@@ -58,10 +59,11 @@ private:
 void readAndPrepare(benchmark::State& state, const QString& path, std::int64_t threads,
                     bool (*read)(const QString&), bool (*build)()) {
     setTerminalSink([](const QString&) {});
+    const auto loud = qScopeGuard([] { setTerminalSink({}); });
     omp_set_num_threads(threads > 0 ? static_cast<int>(threads) : omp_get_num_procs());
     // A turn ahead: a virtual machine may get its memory from the host only when it first asks for it.
     if (!read(path) || !build())
-        state.SkipWithError("the mesh was refused");
+        return state.SkipWithError("the mesh was refused");
     Phase reading, geometry;
     for ([[maybe_unused]] auto iteration : state) {
         if (!reading.measure([&] { return read(path); }))
@@ -69,7 +71,6 @@ void readAndPrepare(benchmark::State& state, const QString& path, std::int64_t t
         if (!geometry.measure([&] { return build(); }))
             state.SkipWithError("the geometry was refused");
     }
-    setTerminalSink({});
     const double cells = mesh.cellCount;
     state.counters["cells"] = cells;
     state.counters["threads"] = omp_get_max_threads();
