@@ -29,7 +29,7 @@ _READING = """\
   cavity at Re 100 on coarse meshes worse: in lattice units the viscosity shrinks with it, while the diffusion that the
   reconstruction adds does not. The time step acts either way: with a shorter one the cavity at Re 100 on coarse meshes
   gets better, at Re 1000 worse, and natural convection much worse: there CFL 0.5 instead of 0.4 nearly halves the error,
-  but it breaks off at Mach number 0.1 and at Ra 1e3 on the finest squares, and 0.55 settles nowhere. See the cases on
+  but it breaks off at Mach number 0.1 and at Ra 1e3 on the finest squares, and 0.55 did not settle. See the cases on
   both. Where the mesh is fine enough that this no longer matters, the Mach number's own error is what remains: Couette
   flow shows it alone.
 - **Relaxation time at walls.** Adiabatic walls slow conduction along them by the order of the relaxation time. At the

@@ -53,9 +53,8 @@ Result heatedLid(const Context& context) {
         << "R. Iwatsu, J. M. Hyun, K. Kuwahara, Int. J. Heat Mass Transfer 36 (1993) 1601-1608 (its table of "
            "mean Nusselt numbers; Pr 0.71, the lid hot, Gr 100 for the first two rows)."
         << "Accurate values: second-order differences for stream function, vorticity and temperature, "
-           "Newton's "
-           "method, 49 and 97 points a side, Richardson-extrapolated. They lie 5 to 7 % above the published "
-           "ones.";
+           "Newton's method, 49 and 97 points a side, Richardson-extrapolated. They lie 5 to 7 % above the "
+           "published ones.";
     Table table{
         "Mean Nusselt number of lid and floor by the temperature slope, and by the scheme's own fluxes.",
         {"Case", "Mesh", "Nu lid", "Nu floor", "Nu by fluxes", "published", "accurate", "error of Nu floor",
