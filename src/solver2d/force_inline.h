@@ -10,3 +10,10 @@
 #else
 #define FLUVANE_FORCE_INLINE inline
 #endif
+
+// Put before a kernel: everything that it calls, bodies passed to a loop as well, becomes part of it.
+#if defined(__GNUC__) || defined(__clang__)
+#define FLUVANE_FLATTEN [[gnu::flatten]]
+#else
+#define FLUVANE_FLATTEN
+#endif

@@ -53,7 +53,8 @@ void collideEnthalpy(const StepConstants& c, const StepData2D& d, std::int32_t f
 }
 
 template <int Q>
-void collide(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void collide(const StepConstants& c, const StepData2D& d, std::int32_t first,
+                             std::int32_t last) {
     overBlocks(first, last, [&](std::int32_t begin, std::int32_t end) {
         if (c.flowOn)
             collideFlow<Q>(c, d, begin, end);
@@ -108,7 +109,8 @@ FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepDat
 }
 
 template <int Q>
-void reconstruct(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void reconstruct(const StepConstants& c, const StepData2D& d, std::int32_t first,
+                                 std::int32_t last) {
     overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
         for (int k = 0; k < n; ++k)
             if (i + k + prefetchDistance < last)
@@ -164,7 +166,8 @@ void boundaryFlow(const StepConstants& c, const StepData2D& d, FaceRecord& face,
     }
 }
 
-void boundary(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void boundary(const StepConstants& c, const StepData2D& d, std::int32_t first,
+                              std::int32_t last) {
     const std::ptrdiff_t q = c.velocityCount;
     for (std::ptrdiff_t i = first; i < last; ++i) {
         FaceRecord& face = d.faces[i];
@@ -178,7 +181,8 @@ void boundary(const StepConstants& c, const StepData2D& d, std::int32_t first, s
 // ---- recovery -------------------------------------------------------------------------------------------
 
 template <int Q>
-void recover(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void recover(const StepConstants& c, const StepData2D& d, std::int32_t first,
+                             std::int32_t last) {
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
         const FaceRecord& face = d.faces[i];
@@ -208,7 +212,8 @@ FLUVANE_FORCE_INLINE void setThermalCell(const StepConstants& c, CellRecord& cel
 }
 
 template <int Q>
-void update(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void update(const StepConstants& c, const StepData2D& d, std::int32_t first,
+                            std::int32_t last) {
     overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
         updateCells<Q, n>(c, d, i, [&c](CellRecord& cell, double total) { setThermalCell(c, cell, total); });
     });

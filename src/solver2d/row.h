@@ -78,13 +78,15 @@ struct Row {
         rest.store(p + headSize);
     }
     FLUVANE_FORCE_INLINE static Row zero() { return {Head{}, Row<N - headSize>::zero()}; }
+    /// N times the same number, which less 0 is itself, -0 included.
+    FLUVANE_FORCE_INLINE static Row all(double a) { return {a - Head{}, Row<N - headSize>::all(a)}; }
 
     /// a where the element of `side` is >= 0, b elsewhere (NaN included).
     FLUVANE_FORCE_INLINE static Row select(const Row& side, const Row& a, const Row& b) {
         return {side.head >= 0.0 ? a.head : b.head, Row<N - headSize>::select(side.rest, a.rest, b.rest)};
     }
     FLUVANE_FORCE_INLINE static Row select(const Row& side, double a, double b) {
-        return select(side, Row::zero() + a, Row::zero() + b);
+        return select(side, all(a), all(b));
     }
 
     FLUVANE_FORCE_INLINE friend Row operator+(const Row& a, const Row& b) {
@@ -109,6 +111,7 @@ struct Row<0> {
     FLUVANE_FORCE_INLINE static Row load(const double*) { return {}; }
     FLUVANE_FORCE_INLINE void store(double*) const {}
     FLUVANE_FORCE_INLINE static Row zero() { return {}; }
+    FLUVANE_FORCE_INLINE static Row all(double) { return {}; }
     FLUVANE_FORCE_INLINE static Row select(const Row&, const Row&, const Row&) { return {}; }
     FLUVANE_FORCE_INLINE friend Row operator+(const Row&, const Row&) { return {}; }
     FLUVANE_FORCE_INLINE friend Row operator-(const Row&, const Row&) { return {}; }
@@ -155,23 +158,36 @@ FLUVANE_FORCE_INLINE void overBlocks(std::int32_t first, std::int32_t last, cons
 }
 
 /// The longest piece of a row that is worked on at once: up to nine numbers whole, longer rows in pieces of
-/// two vectors, of which a kernel keeps several in registers.
+/// so many whole vectors that a kernel keeps several pieces in registers.
 template <int Q>
 constexpr int pieceSize() {
-    constexpr int two = 2 * laneCount < 4 ? 4 : 2 * laneCount;
-    return Q <= 9 || Q < two ? Q : two;
+    constexpr int most = 3 * laneCount;
+    return Q <= 9 ? Q : most < Q ? most : Q / laneCount * laneCount;
+}
+
+/// The last piece of a row of Q numbers, of which those from First on are left: whole vectors, if need be by
+/// taking in numbers that other pieces have too.
+template <int Q, int First>
+constexpr int lastPieceSize() {
+    constexpr int whole = (Q - First + laneCount - 1) / laneCount * laneCount;
+    return whole <= Q ? whole : Q - First;
 }
 
 template <int Q, int First, class Body>
 FLUVANE_FORCE_INLINE void overPieces(const Body& body) {
-    constexpr int size = Q - First < pieceSize<Q>() ? Q - First : pieceSize<Q>();
-    body(Row<size>{}, First);
-    if constexpr (First + size < Q)
+    constexpr int size = pieceSize<Q>();
+    if constexpr (Q - First > size) {
+        body(Row<size>{}, First);
         overPieces<Q, First + size>(body);
+    } else {
+        constexpr int last = lastPieceSize<Q, First>();
+        body(Row<last>{}, Q - last);
+    }
 }
 
 /// Calls body(row, k) for pieces that together cover velocities 0 .. count - 1: pieces of sizes known at
-/// compile time when Q is, pieces of four and of one when it is not (Q = 0). `row` only carries the type.
+/// compile time when Q is, pieces of four and of one when it is not (Q = 0). `row` only carries the type. Two
+/// pieces may have numbers in common, so that a body must not write what it reads.
 template <int Q, class Body>
 FLUVANE_FORCE_INLINE void overVelocities([[maybe_unused]] int count, const Body& body) {
     if constexpr (Q > 0) {
@@ -182,6 +198,32 @@ FLUVANE_FORCE_INLINE void overVelocities([[maybe_unused]] int count, const Body&
             body(Row<4>{}, k);
         for (; k < count; ++k)
             body(Row<1>{}, k);
+    }
+}
+
+/// Each piece is stored after those behind it were read.
+template <int Q, int First, class Body>
+FLUVANE_FORCE_INLINE void replacePieces(double* numbers, const Body& body) {
+    constexpr int size = pieceSize<Q>();
+    if constexpr (Q - First > size) {
+        const auto made = body(Row<size>::load(numbers + First), First);
+        replacePieces<Q, First + size>(numbers, body);
+        made.store(numbers + First);
+    } else {
+        constexpr int last = lastPieceSize<Q, First>();
+        body(Row<last>::load(numbers + Q - last), Q - last).store(numbers + Q - last);
+    }
+}
+
+/// Replaces each of the numbers of velocities 0 .. count - 1 by what body(row, k) makes of the piece `row`
+/// that begins with velocity k.
+template <int Q, class Body>
+FLUVANE_FORCE_INLINE void replaceVelocities([[maybe_unused]] int count, double* numbers, const Body& body) {
+    if constexpr (Q > 0) {
+        replacePieces<Q, 0>(numbers, body);
+    } else {
+        overVelocities<0>(
+            count, [&](auto row, int k) { body(decltype(row)::load(numbers + k), k).store(numbers + k); });
     }
 }
 

@@ -11,7 +11,8 @@ namespace {
 
 /// Deliberate: the enthalpy form collides with the temperature equilibrium too.
 template <int Q>
-void collide(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void collide(const StepConstants& c, const StepData3D& d, std::int32_t first,
+                             std::int32_t last) {
     overBlocks(first, last, [&](std::int32_t begin, std::int32_t end) {
         if (c.flowOn)
             collideFlow<Q>(c, d, begin, end);
@@ -58,7 +59,8 @@ FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepDat
 }
 
 template <int Q>
-void reconstruct(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void reconstruct(const StepConstants& c, const StepData3D& d, std::int32_t first,
+                                 std::int32_t last) {
     overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
         for (int k = 0; k < n; ++k)
             if (i + k + prefetchDistance < last)
@@ -110,7 +112,8 @@ void boundaryFlow(const StepConstants& c, const StepData3D& d, FaceRecord3D& fac
 }
 
 template <int Q>
-void boundary(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void boundary(const StepConstants& c, const StepData3D& d, std::int32_t first,
+                              std::int32_t last) {
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
         FaceRecord3D& face = d.faces[i];
@@ -137,7 +140,8 @@ FLUVANE_FORCE_INLINE void setThermalCell(const StepConstants& c, CellRecord3D& c
 }
 
 template <int Q>
-void update(const StepConstants& c, const StepData3D& d, std::int32_t first, std::int32_t last) {
+FLUVANE_FLATTEN void update(const StepConstants& c, const StepData3D& d, std::int32_t first,
+                            std::int32_t last) {
     overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
         updateCells<Q, n>(c, d, i,
                           [&c](CellRecord3D& cell, double total) { setThermalCell(c, cell, total); });
