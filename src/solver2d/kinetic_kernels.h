@@ -415,12 +415,12 @@ template <int Q, int D>
 FLUVANE_FORCE_INLINE void recoverHeat(const StepConstants& c, double T, const Vector<D>& u, double* g) {
     const RecoveryFactors& r = c.recoverG;
     const bool heated = c.heatSource != 0.0;
-    replaceVelocities<Q>(c.velocityCount, g, [&](auto bar, int k) {
-        using R = decltype(bar);
-        R out = r.a * bar + r.b * equilibriumRow<R>(c, k, T, u);
+    overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+        using R = decltype(row);
+        R out = r.a * R::load(g + k) + r.b * equilibriumRow<R>(c, k, T, u);
         if (heated)
             out = out + r.c * heatSourceRow<R>(c, k, u);
-        return out;
+        out.store(g + k);
     });
 }
 
@@ -428,13 +428,13 @@ template <int Q, int D>
 FLUVANE_FORCE_INLINE void recoverFlow(const StepConstants& c, double rho, const Vector<D>& u,
                                       const Vector<D>& force, double* f) {
     const RecoveryFactors& r = c.recoverF;
-    replaceVelocities<Q>(c.velocityCount, f, [&](auto bar, int k) {
-        using R = decltype(bar);
+    overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
+        using R = decltype(row);
         const R eq = equilibriumRow<R>(c, k, rho, u);
-        R out = r.a * bar + r.b * eq;
+        R out = r.a * R::load(f + k) + r.b * eq;
         if (forced(force))
             out = out + r.c * (eq * forcingFactorRow<R>(c, k, u, force));
-        return out;
+        out.store(f + k);
     });
 }
 

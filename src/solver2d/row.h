@@ -57,33 +57,38 @@ constexpr int headLanes(int n) {
     return lanes;
 }
 
-/// N numbers with element-wise arithmetic: a head of whole vectors and a shorter rest, so that nothing is
-/// padded. All operations round each element just as the same operation on single numbers does.
+/// N numbers with element-wise arithmetic: a head of one vector and the rest. A rest shorter than the head
+/// takes in the last numbers of the head, so that all vectors are whole and nothing is padded; numbers that
+/// are held twice are the same. All operations round each element just as the same operation on single
+/// numbers does.
 template <int N>
 struct Row {
     static constexpr int size = N;
     static constexpr int headSize = headLanes(N);
+    static constexpr int restSize = N == headSize ? 0 : N < 2 * headSize ? headSize : N - headSize;
+    static constexpr int restStart = N - restSize;
     using Head = typename Lanes<headSize>::type;
+    using Rest = Row<restSize>;
     Head head;
-    Row<N - headSize> rest;
+    Rest rest;
 
     FLUVANE_FORCE_INLINE static Row load(const double* p) {
         Row r;
         std::memcpy(&r.head, p, sizeof(Head));
-        r.rest = Row<N - headSize>::load(p + headSize);
+        r.rest = Rest::load(p + restStart);
         return r;
     }
     FLUVANE_FORCE_INLINE void store(double* p) const {
         std::memcpy(p, &head, sizeof(Head));
-        rest.store(p + headSize);
+        rest.store(p + restStart);
     }
-    FLUVANE_FORCE_INLINE static Row zero() { return {Head{}, Row<N - headSize>::zero()}; }
+    FLUVANE_FORCE_INLINE static Row zero() { return {Head{}, Rest::zero()}; }
     /// N times the same number, which less 0 is itself, -0 included.
-    FLUVANE_FORCE_INLINE static Row all(double a) { return {a - Head{}, Row<N - headSize>::all(a)}; }
+    FLUVANE_FORCE_INLINE static Row all(double a) { return {a - Head{}, Rest::all(a)}; }
 
     /// a where the element of `side` is >= 0, b elsewhere (NaN included).
     FLUVANE_FORCE_INLINE static Row select(const Row& side, const Row& a, const Row& b) {
-        return {side.head >= 0.0 ? a.head : b.head, Row<N - headSize>::select(side.rest, a.rest, b.rest)};
+        return {side.head >= 0.0 ? a.head : b.head, Rest::select(side.rest, a.rest, b.rest)};
     }
     FLUVANE_FORCE_INLINE static Row select(const Row& side, double a, double b) {
         return select(side, all(a), all(b));
@@ -157,37 +162,25 @@ FLUVANE_FORCE_INLINE void overBlocks(std::int32_t first, std::int32_t last, cons
         body(begin, last - begin < block ? last : begin + block);
 }
 
-/// The longest piece of a row that is worked on at once: up to nine numbers whole, longer rows in pieces of
-/// so many whole vectors that a kernel keeps several pieces in registers.
-template <int Q>
-constexpr int pieceSize() {
+/// How many of `left` numbers are worked on at once: up to nine whole, more in pieces of three vectors, of
+/// which a kernel keeps several in registers, or of two where three would leave less than a vector.
+constexpr int pieceSize(int left) {
     constexpr int most = 3 * laneCount;
-    return Q <= 9 ? Q : most < Q ? most : Q / laneCount * laneCount;
-}
-
-/// The last piece of a row of Q numbers, of which those from First on are left: whole vectors, if need be by
-/// taking in numbers that other pieces have too.
-template <int Q, int First>
-constexpr int lastPieceSize() {
-    constexpr int whole = (Q - First + laneCount - 1) / laneCount * laneCount;
-    return whole <= Q ? whole : Q - First;
+    if (left <= 9 || left <= most)
+        return left;
+    return left - most >= laneCount ? most : most - laneCount;
 }
 
 template <int Q, int First, class Body>
 FLUVANE_FORCE_INLINE void overPieces(const Body& body) {
-    constexpr int size = pieceSize<Q>();
-    if constexpr (Q - First > size) {
-        body(Row<size>{}, First);
+    constexpr int size = pieceSize(Q - First);
+    body(Row<size>{}, First);
+    if constexpr (First + size < Q)
         overPieces<Q, First + size>(body);
-    } else {
-        constexpr int last = lastPieceSize<Q, First>();
-        body(Row<last>{}, Q - last);
-    }
 }
 
 /// Calls body(row, k) for pieces that together cover velocities 0 .. count - 1: pieces of sizes known at
-/// compile time when Q is, pieces of four and of one when it is not (Q = 0). `row` only carries the type. Two
-/// pieces may have numbers in common, so that a body must not write what it reads.
+/// compile time when Q is, pieces of four and of one when it is not (Q = 0). `row` only carries the type.
 template <int Q, class Body>
 FLUVANE_FORCE_INLINE void overVelocities([[maybe_unused]] int count, const Body& body) {
     if constexpr (Q > 0) {
@@ -198,32 +191,6 @@ FLUVANE_FORCE_INLINE void overVelocities([[maybe_unused]] int count, const Body&
             body(Row<4>{}, k);
         for (; k < count; ++k)
             body(Row<1>{}, k);
-    }
-}
-
-/// Each piece is stored after those behind it were read.
-template <int Q, int First, class Body>
-FLUVANE_FORCE_INLINE void replacePieces(double* numbers, const Body& body) {
-    constexpr int size = pieceSize<Q>();
-    if constexpr (Q - First > size) {
-        const auto made = body(Row<size>::load(numbers + First), First);
-        replacePieces<Q, First + size>(numbers, body);
-        made.store(numbers + First);
-    } else {
-        constexpr int last = lastPieceSize<Q, First>();
-        body(Row<last>::load(numbers + Q - last), Q - last).store(numbers + Q - last);
-    }
-}
-
-/// Replaces each of the numbers of velocities 0 .. count - 1 by what body(row, k) makes of the piece `row`
-/// that begins with velocity k.
-template <int Q, class Body>
-FLUVANE_FORCE_INLINE void replaceVelocities([[maybe_unused]] int count, double* numbers, const Body& body) {
-    if constexpr (Q > 0) {
-        replacePieces<Q, 0>(numbers, body);
-    } else {
-        overVelocities<0>(
-            count, [&](auto row, int k) { body(decltype(row)::load(numbers + k), k).store(numbers + k); });
     }
 }
 
