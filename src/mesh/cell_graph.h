@@ -281,17 +281,28 @@ template <class Records>
 using Rings = std::array<std::int32_t, Records::Cell::maxFaces*(1 + Records::Cell::maxFaces)>;
 
 /// The neighbours of a cell: the cells across its faces, then theirs, each once. Returns their number.
+/// `seenFrom` tells of each cell from which one it was seen last, counted from 1.
 template <class Records>
-std::int32_t collectNeighbours(const CellTable<Records>& cells, std::int32_t c, Rings<Records>& list) {
+std::int32_t collectNeighbours(const CellTable<Records>& cells, std::int32_t c,
+                               HugeArray<std::int32_t>& seenFrom, Rings<Records>& list) {
+    const std::int32_t here = c + 1;
     auto end = list.begin();
-    for (const std::int32_t other : cells[static_cast<std::size_t>(c)].cellsAcross())
-        if (other != -1)
-            *end++ = other;
+    seenFrom[static_cast<std::size_t>(c)] = here;
+    for (const std::int32_t other : cells[static_cast<std::size_t>(c)].cellsAcross()) {
+        if (other == -1)
+            continue;
+        seenFrom[static_cast<std::size_t>(other)] = here;
+        *end++ = other;
+    }
     const auto faceNeighboursEnd = end;
-    for (auto near = list.begin(); near != faceNeighboursEnd; ++near)
-        for (const std::int32_t other : cells[static_cast<std::size_t>(*near)].cellsAcross())
-            if (other != -1 && other != c && std::find(list.begin(), end, other) == end)
-                *end++ = other;
+    for (auto near = list.begin(); near != faceNeighboursEnd; ++near) {
+        for (const std::int32_t other : cells[static_cast<std::size_t>(*near)].cellsAcross()) {
+            if (other == -1 || seenFrom[static_cast<std::size_t>(other)] == here)
+                continue;
+            seenFrom[static_cast<std::size_t>(other)] = here;
+            *end++ = other;
+        }
+    }
     return static_cast<std::int32_t>(end - list.begin());
 }
 
@@ -319,6 +330,9 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
     // Each share is written without gaps; what it leaves of its room is never touched.
     HugeArray<std::int32_t> staged(cells.size() * most);
     std::vector<std::int32_t> start(cells.size() + 1);
+    std::vector<HugeArray<std::int32_t>> seenFrom;
+    for (int t = 0; t < shares; ++t)
+        seenFrom.emplace_back(cells.size());
     std::int32_t firstCrowded = noIndex;
 #pragma omp parallel for schedule(static) reduction(min : firstCrowded)
     for (int t = 0; t < shares; ++t) {
@@ -327,7 +341,8 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
         for (std::int32_t slot = share.first; slot < share.last; ++slot) {
             const auto c = static_cast<std::int32_t>(order.number(static_cast<std::size_t>(slot)));
             Rings<Records> list;
-            const std::int32_t found = collectNeighbours<Records>(cells, c, list);
+            const std::int32_t found =
+                collectNeighbours<Records>(cells, c, seenFrom[static_cast<std::size_t>(t)], list);
             if (found > most)
                 firstCrowded = std::min(firstCrowded, c);
             end = std::copy_n(list.begin(), std::min(found, most), end);

@@ -50,7 +50,7 @@ public:
         if (!m_data)
             return;
         std::destroy_n(m_data, m_size);
-        std::free(m_block);
+        giveBack();
     }
 
     T& operator[](std::size_t i) { return m_data[i]; }
@@ -82,26 +82,56 @@ private:
             make(data + i, static_cast<std::size_t>(i));
     }
 
-    /// Large blocks come from calloc untouched, and stay so before the first aligned byte. Only whole huge
-    /// pages are asked for: a last one would map more than the array.
+    /// Large arrays are mapped by themselves: a heap that has free memory clears it at once instead. Only
+    /// whole huge pages are asked for: a last one would map more than the array.
     void allocate() {
         if (m_size == 0)
             return;
         if (m_size > SIZE_MAX / 2 / sizeof(T))
             throw std::bad_alloc();
-        const std::size_t bytes = m_size * sizeof(T);
-        const std::size_t alignment = bytes >= hugePage ? hugePage : std::size_t{64};
-        m_block = std::calloc(bytes + alignment, 1);
-        if (!m_block)
-            throw std::bad_alloc();
+        const std::size_t alignment = isMapped() ? hugePage : std::size_t{64};
+        std::size_t space = bytes() + alignment;
+        m_block = takeCleared(space);
         void* first = m_block;
-        std::size_t space = bytes + alignment;
-        m_data = static_cast<T*>(std::align(alignment, bytes, first, space));
+        m_data = static_cast<T*>(std::align(alignment, bytes(), first, space));
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
-        if (bytes >= hugePage)
-            madvise(m_data, bytes / hugePage * hugePage, MADV_HUGEPAGE);
+        if (isMapped())
+            madvise(m_data, bytes() / hugePage * hugePage, MADV_HUGEPAGE);
 #endif
     }
+
+#if defined(__linux__)
+    bool isMapped() const {
+        return bytes() >= hugePage;
+    }
+    void* takeCleared(std::size_t space) const {
+        void* const block =
+            isMapped() ? mmap(nullptr, space, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
+                       : std::calloc(space, 1);
+        if (block == MAP_FAILED || !block)
+            throw std::bad_alloc();
+        return block;
+    }
+    void giveBack() const {
+        if (isMapped())
+            munmap(m_block, bytes() + hugePage);
+        else
+            std::free(m_block);
+    }
+#else
+    bool isMapped() const {
+        return false;
+    }
+    void* takeCleared(std::size_t space) const {
+        void* const block = std::calloc(space, 1);
+        if (!block)
+            throw std::bad_alloc();
+        return block;
+    }
+    void giveBack() const {
+        std::free(m_block);
+    }
+#endif
 
     static constexpr std::size_t hugePage = std::size_t{2} << 20;
     void* m_block = nullptr; ///< what the allocator gave; m_data is its first aligned address

@@ -1,7 +1,9 @@
 // The aligned table of the solver.
 #include "mesh/huge_array.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <utility>
 
@@ -58,6 +60,26 @@ TEST(HugeArrayTest, MovingLeavesTheSourceEmptyAndFreesTheTarget) {
     EXPECT_TRUE(b.empty());
     EXPECT_EQ(b.begin(), b.end());
 }
+
+#if defined(__linux__)
+TEST(HugeArrayTest, WhatNobodyTouchesTakesNoMemoryAlsoTheNextTime) {
+    constexpr std::size_t size = std::size_t{2} << 20;
+    const auto residentPages = [] {
+        std::ifstream file("/proc/self/statm");
+        long all = 0, resident = 0;
+        file >> all >> resident;
+        return resident;
+    };
+    const long before = residentPages();
+    for (int turn = 0; turn < 3; ++turn) {
+        HugeArray<double> touched(size);
+        std::fill(touched.begin(), touched.end(), 1.0);
+    }
+    const HugeArray<double> untouched(size);
+    EXPECT_LT(residentPages() - before, 512);
+    EXPECT_EQ(untouched[size - 1], 0.0);
+}
+#endif
 
 TEST(HugeArrayTest, SizesBeyondTheAddressSpaceThrow) {
     EXPECT_THROW(HugeArray<double>(SIZE_MAX / 2), std::bad_alloc);
