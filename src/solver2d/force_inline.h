@@ -11,8 +11,9 @@
 #define FLUVANE_FORCE_INLINE inline
 #endif
 
-// Put before a kernel: everything that it calls, bodies passed to a loop as well, becomes part of it.
-#if defined(__GNUC__) || defined(__clang__)
+// Put before a kernel: everything that it calls, bodies passed to a loop as well, becomes part of it, in
+// builds that ask for this.
+#if defined(FLUVANE_FLATTEN_KERNELS) && (defined(__GNUC__) || defined(__clang__))
 #define FLUVANE_FLATTEN [[gnu::flatten]]
 #else
 #define FLUVANE_FLATTEN
