@@ -330,9 +330,9 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
     // Each share is written without gaps; what it leaves of its room is never touched.
     HugeArray<std::int32_t> staged(cells.size() * most);
     std::vector<std::int32_t> start(cells.size() + 1);
-    std::vector<HugeArray<std::int32_t>> seenFrom;
-    for (int t = 0; t < shares; ++t)
-        seenFrom.emplace_back(cells.size());
+    std::vector<HugeArray<std::int32_t>> seenFrom(static_cast<std::size_t>(shares));
+    for (auto& seen : seenFrom)
+        seen = HugeArray<std::int32_t>(cells.size());
     std::int32_t firstCrowded = noIndex;
 #pragma omp parallel for schedule(static) reduction(min : firstCrowded)
     for (int t = 0; t < shares; ++t) {
