@@ -314,6 +314,23 @@ void collideTemperature(const StepConstants& c, const Data& d, std::int32_t firs
 
 // ---- gradients --------------------------------------------------------------------------------------------
 
+/// How many cells ahead of the one at work the rows of neighbours are asked for.
+template <int D>
+inline constexpr std::ptrdiff_t cellsAhead = D == 3 ? 3 : 5;
+
+/// Asks for the rows of the neighbours of cell i, if it comes before `last`. Worth it in 3D, where they lie
+/// whole layers of cells apart, and along a curve, which turns all the time; in a 2D mesh as numbered they
+/// are a few rows in order, which come by themselves.
+template <int Q, class Data>
+FLUVANE_FORCE_INLINE void prefetchNeighbours(const StepConstants& c, const Data& d, const double* barPlus,
+                                             std::ptrdiff_t i, std::ptrdiff_t last) {
+    if (i >= last)
+        return;
+    const std::ptrdiff_t q = stride<Q>(c);
+    for (std::int32_t j = d.neighbourStart[i]; j < d.neighbourStart[i + 1]; ++j)
+        prefetchEighths(barPlus + d.neighbours[j] * q, q);
+}
+
 /// Least-squares gradients of one bar distribution, neighbours added in the order they are stored.
 template <int Q, class Data>
 void gradientsOf(const StepConstants& c, const Data& d, const double* barPlus, double* gradient,
@@ -325,6 +342,8 @@ void gradientsOf(const StepConstants& c, const Data& d, const double* barPlus, d
         const std::int32_t end = d.neighbourStart[i + 1];
         const double* const own = barPlus + i * q;
         double* const out = gradient + D * i * q;
+        if (D == 3 || d.faceCells)
+            prefetchNeighbours<Q>(c, d, barPlus, i + cellsAhead<D>, last);
         overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
             using R = decltype(row);
             const R centre = R::load(own + k);
@@ -386,27 +405,48 @@ FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const Data& d,
     });
 }
 
-/// How many records ahead of those at work the rows of neighbours are asked for.
-inline constexpr std::ptrdiff_t prefetchDistance = 8;
+/// How many faces ahead of those at work the rows of their cells are asked for: far enough for memory to
+/// answer, near enough for the nearest cache to hold them until they are used.
+template <int D>
+inline constexpr std::ptrdiff_t facesAhead = D == 3 ? 4 : 8;
 
-/// Asks for what the reconstruction on a face will read of its two cells.
-template <int Q, class Data>
-FLUVANE_FORCE_INLINE void prefetchSides(const StepConstants& c, const Data& d,
-                                        const typename Data::FaceType& face) {
+/// Asks for what the reconstruction of one distribution on faces first .. first + N - 1, as far as they come
+/// before `last`, reads of their cells.
+template <int Q, int N, class Data>
+FLUVANE_FORCE_INLINE void prefetchSides(const StepConstants& c, const Data& d, std::ptrdiff_t first,
+                                        std::ptrdiff_t last, const double* barPlus, const double* gradient) {
     constexpr int D = Data::dimensions;
     const std::ptrdiff_t q = stride<Q>(c);
-    const auto [c0, c1] = sidesOf(d, face);
-    for (const std::ptrdiff_t cell : {c0, c1}) {
-        prefetchNumbers(&d.cells[cell].xc, 1);
-        if (c.heatOn()) {
-            prefetchNumbers(d.gBarPlus + cell * q, q);
-            prefetchNumbers(d.gradGBarPlus + D * q * cell, D * q);
-        }
-        if (c.flowOn) {
-            prefetchNumbers(d.fBarPlus + cell * q, q);
-            prefetchNumbers(d.gradFBarPlus + D * q * cell, D * q);
+    for (std::ptrdiff_t i = first; i < first + N && i < last; ++i) {
+        const auto [c0, c1] = sidesOf(d, d.faces[i]);
+        for (const std::ptrdiff_t cell : {c0, c1}) {
+            prefetchNumbers(&d.cells[cell].xc, 1);
+            prefetchNumbers(barPlus + cell * q, q);
+            prefetchNumbers(gradient + D * q * cell, D * q);
         }
     }
+}
+
+/// Before heat on faces i .. i + N - 1: the rows of flow on the same faces come while heat is worked on, and
+/// those of heat on later faces while flow is. Asked for together they would drive each other out.
+template <int Q, int N, class Data>
+FLUVANE_FORCE_INLINE void prefetchBeforeHeat(const StepConstants& c, const Data& d, std::ptrdiff_t i,
+                                             std::ptrdiff_t last) {
+    if (c.flowOn)
+        prefetchSides<Q, N>(c, d, i, last, d.fBarPlus, d.gradFBarPlus);
+    else
+        prefetchSides<Q, N>(c, d, i + facesAhead<Data::dimensions>, last, d.gBarPlus, d.gradGBarPlus);
+}
+
+/// Before flow on faces i .. i + N - 1.
+template <int Q, int N, class Data>
+FLUVANE_FORCE_INLINE void prefetchBeforeFlow(const StepConstants& c, const Data& d, std::ptrdiff_t i,
+                                             std::ptrdiff_t last) {
+    const std::ptrdiff_t later = i + facesAhead<Data::dimensions>;
+    if (c.heatOn())
+        prefetchSides<Q, N>(c, d, later, last, d.gBarPlus, d.gradGBarPlus);
+    else
+        prefetchSides<Q, N>(c, d, later, last, d.fBarPlus, d.gradFBarPlus);
 }
 
 /// The distribution at the half step from the bar distribution, in place. Deliberate: the temperature form of

@@ -85,10 +85,12 @@ FLUVANE_FORCE_INLINE void setThermalFace(const StepConstants& c, FaceRecord& fac
 
 /// Faces i .. i + N - 1, heat before flow.
 template <int Q, int N>
-FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepData2D& d, std::ptrdiff_t i) {
+FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepData2D& d, std::ptrdiff_t i,
+                                           std::ptrdiff_t last) {
     const std::ptrdiff_t q = stride<Q>(c);
     FaceRecord* const faces = d.faces + i;
     if (c.heatOn()) {
+        prefetchBeforeHeat<Q, N>(c, d, i, last);
         double* const g = d.gFace + i * q;
         double total[N];
         for (int n = 0; n < N; ++n)
@@ -98,6 +100,7 @@ FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepDat
             setThermalFace(c, faces[n], total[n]);
     }
     if (c.flowOn) {
+        prefetchBeforeFlow<Q, N>(c, d, i, last);
         double* const f = d.fFace + i * q;
         FlowMoments<2> moments[N];
         for (int n = 0; n < N; ++n)
@@ -111,12 +114,7 @@ FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepDat
 template <int Q>
 FLUVANE_FLATTEN void reconstruct(const StepConstants& c, const StepData2D& d, std::int32_t first,
                                  std::int32_t last) {
-    overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
-        for (int k = 0; k < n; ++k)
-            if (i + k + prefetchDistance < last)
-                prefetchSides<Q>(c, d, d.faces[i + k + prefetchDistance]);
-        reconstructFaces<Q, n>(c, d, i);
-    });
+    overGroups(first, last, [&](std::ptrdiff_t i, auto n) { reconstructFaces<Q, n>(c, d, i, last); });
 }
 
 // ---- boundary faces -------------------------------------------------------------------------------------

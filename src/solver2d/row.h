@@ -129,16 +129,21 @@ struct Row<0> {
     FLUVANE_FORCE_INLINE friend Row operator*(double, const Row&) { return {}; }
 };
 
-/// Asks for the lines of `count` numbers that will be needed soon.
-FLUVANE_FORCE_INLINE void prefetchNumbers([[maybe_unused]] const double* p,
+/// Asks for the lines in which every eighth of `count` numbers lies, which will be needed soon: all lines of
+/// the numbers, or all but the last.
+FLUVANE_FORCE_INLINE void prefetchEighths([[maybe_unused]] const double* p,
                                           [[maybe_unused]] std::ptrdiff_t count) {
 #if FLUVANE_VECTORS
-    constexpr std::ptrdiff_t line = 8;
-    for (std::ptrdiff_t n = 0; n < count; n += line)
+    for (std::ptrdiff_t n = 0; n < count; n += 8)
         __builtin_prefetch(p + n);
-    if (count % line != 1)
-        __builtin_prefetch(p + count - 1);
 #endif
+}
+
+/// Asks for all lines of `count` numbers.
+FLUVANE_FORCE_INLINE void prefetchNumbers(const double* p, std::ptrdiff_t count) {
+    prefetchEighths(p, count);
+    if (count % 8 != 1)
+        prefetchEighths(p + count - 1, 1);
 }
 
 /// Calls body(i, n) for groups of n = 4 records, with n as a compile-time constant, and for the last ones one

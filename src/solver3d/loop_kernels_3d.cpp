@@ -27,11 +27,13 @@ FLUVANE_FLATTEN void collide(const StepConstants& c, const StepData3D& d, std::i
 /// thermal modes, and the recovery of heat sees the face velocity of the previous step, since the flow
 /// follows.
 template <int Q, int N>
-FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i) {
+FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepData3D& d, std::ptrdiff_t i,
+                                           std::ptrdiff_t last) {
     const std::ptrdiff_t q = stride<Q>(c);
     FaceRecord3D* const faces = d.faces + i;
     double temperature[N] = {};
     if (c.heatOn()) {
+        prefetchBeforeHeat<Q, N>(c, d, i, last);
         double* const g = d.gFace + i * q;
         for (int n = 0; n < N; ++n)
             reconstructRow<Q>(c, d, faces[n], d.gBarPlus, d.gradGBarPlus, g + n * q);
@@ -46,6 +48,7 @@ FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepDat
     for (int n = 0; n < N; ++n)
         faces[n].T = temperature[n];
     if (c.flowOn) {
+        prefetchBeforeFlow<Q, N>(c, d, i, last);
         double* const f = d.fFace + i * q;
         FlowMoments<3> moments[N];
         for (int n = 0; n < N; ++n)
@@ -61,12 +64,7 @@ FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepDat
 template <int Q>
 FLUVANE_FLATTEN void reconstruct(const StepConstants& c, const StepData3D& d, std::int32_t first,
                                  std::int32_t last) {
-    overGroups(first, last, [&](std::ptrdiff_t i, auto n) {
-        for (int k = 0; k < n; ++k)
-            if (i + k + prefetchDistance < last)
-                prefetchSides<Q>(c, d, d.faces[i + k + prefetchDistance]);
-        reconstructFaces<Q, n>(c, d, i);
-    });
+    overGroups(first, last, [&](std::ptrdiff_t i, auto n) { reconstructFaces<Q, n>(c, d, i, last); });
 }
 
 // ---- boundary faces -------------------------------------------------------------------------------------
