@@ -251,29 +251,59 @@ bool attachNodes(Links& cell, std::span<const std::int32_t> nodes) {
     return true;
 }
 
-/// Gives each cell its faces, in order, and from each face the nodes that it takes. Refuses cells with too
-/// many of either.
+/// Share t of n contiguous ones of `count` things.
+struct Share {
+    std::int32_t first;
+    std::int32_t last;
+
+    Share(std::int64_t count, std::int64_t t, std::int64_t n)
+        : first(static_cast<std::int32_t>(count * t / n)),
+          last(static_cast<std::int32_t>(count * (t + 1) / n)) {}
+};
+
+/// Gives the cells of a share, in the order of the faces, their faces and from each the nodes that they take.
+/// Returns 4 * face + the step at which a cell has too many of either: its first cell gets the face, its
+/// second cell does, then the nodes. All of them fit: noCrowding.
+constexpr std::int64_t noCrowding = std::numeric_limits<std::int64_t>::max();
 template <class Records>
-bool connectCells(const FaceTable<Records>& faces, CellTable<Records>& cells) {
+std::int64_t connectShare(const FaceTable<Records>& faces, CellTable<Records>& cells, const Share& share) {
+    const auto isOurs = [&share](std::int32_t c) { return c >= share.first && c < share.last; };
     const auto F = static_cast<std::int32_t>(faces.size());
-    const auto tooMany = [](std::int32_t face, std::int32_t cell) {
-        return refuseMesh(placeOf(face, cell),
-                          QStringLiteral("expected %1").arg(QLatin1String(Records::cellLimits)));
-    };
     for (std::int32_t i = 0; i < F; ++i) {
         const auto& face = faces[static_cast<std::size_t>(i)];
-        const bool interior = i < mesh.interiorFaceCount;
+        const bool takesFirst = isOurs(face.c0);
+        const bool takesSecond = i < mesh.interiorFaceCount && isOurs(face.c1);
         auto& first = cells[static_cast<std::size_t>(face.c0)];
-        if (!attachFace(first, i, face.c1))
-            return tooMany(i, face.c0);
-        if (interior && !attachFace(cells[static_cast<std::size_t>(face.c1)], i, face.c0))
-            return tooMany(i, face.c1);
-        if (!attachNodes(first, face.nodesForFirst()))
-            return tooMany(i, face.c0);
-        if (interior && !attachNodes(cells[static_cast<std::size_t>(face.c1)], face.nodesForSecond()))
-            return tooMany(i, face.c1);
+        auto& second = cells[static_cast<std::size_t>(takesSecond ? face.c1 : face.c0)];
+        const std::int64_t steps = std::int64_t{4} * i;
+        if (takesFirst && !attachFace(first, i, face.c1))
+            return steps;
+        if (takesSecond && !attachFace(second, i, face.c0))
+            return steps + 1;
+        if (takesFirst && !attachNodes(first, face.nodesForFirst()))
+            return steps + 2;
+        if (takesSecond && !attachNodes(second, face.nodesForSecond()))
+            return steps + 3;
     }
-    return true;
+    return noCrowding;
+}
+
+/// Gives each cell its faces, in order, and from each face the nodes that it takes. Refuses cells with too
+/// many of either. Every share looks at all faces: what the cells take is most of the work.
+template <class Records>
+bool connectCells(const FaceTable<Records>& faces, CellTable<Records>& cells) {
+    const int shares = std::min(omp_get_max_threads(), omp_get_num_procs());
+    const auto count = static_cast<std::int64_t>(cells.size());
+    std::int64_t crowded = noCrowding;
+#pragma omp parallel for schedule(static) reduction(min : crowded)
+    for (int t = 0; t < shares; ++t)
+        crowded = std::min(crowded, connectShare<Records>(faces, cells, Share(count, t, shares)));
+    if (crowded == noCrowding)
+        return true;
+    const auto i = static_cast<std::int32_t>(crowded / 4);
+    const auto& face = faces[static_cast<std::size_t>(i)];
+    return refuseMesh(placeOf(i, crowded % 2 == 0 ? face.c0 : face.c1),
+                      QStringLiteral("expected %1").arg(QLatin1String(Records::cellLimits)));
 }
 
 /// The neighbours of a cell, with room for the two rings of a cell whose cells have the most faces.
@@ -308,16 +338,6 @@ std::int32_t collectNeighbours(const CellTable<Records>& cells, std::int32_t c,
 
 /// From the counts behind the first entry to offsets.
 void addUp(std::vector<std::int32_t>& start);
-
-/// Share t of n contiguous ones of `count` things.
-struct Share {
-    std::int32_t first;
-    std::int32_t last;
-
-    Share(std::int64_t count, std::int64_t t, std::int64_t n)
-        : first(static_cast<std::int32_t>(count * t / n)),
-          last(static_cast<std::int32_t>(count * (t + 1) / n)) {}
-};
 
 /// Makes and fills the compact neighbour lists, for the cells as they lie. Refuses a cell with too many
 /// neighbours; in 2D no cell can have too many.

@@ -164,26 +164,34 @@ bool setWeights(const Vec2& centre, std::span<const std::int32_t> neighbours, co
                 Vec2* lsq) {
     // The determinant's own rounding, relative to its first product, when it should be 0.
     constexpr double rounding = 1e-14;
-    std::array<Vec2, CellRecord::maxNeighbours> d;
-    std::array<double, CellRecord::maxNeighbours> w;
+    // One array a number, so that the compiler works on several neighbours at once.
+    using Numbers = std::array<double, CellRecord::maxNeighbours>;
+    Numbers x, y, w, xx, yy, xy;
     const std::size_t count = neighbours.size();
-    for (std::size_t j = 0; j < count; ++j)
-        d[j] = centre - centres[static_cast<std::size_t>(neighbours[j])];
-    for (std::size_t j = 0; j < count; ++j)
-        w[j] = 1.0 / (d[j].x * d[j].x + d[j].y * d[j].y);
+    for (std::size_t j = 0; j < count; ++j) {
+        const Vec2 d = centre - centres[static_cast<std::size_t>(neighbours[j])];
+        x[j] = d.x;
+        y[j] = d.y;
+    }
+    for (std::size_t j = 0; j < count; ++j) {
+        w[j] = 1.0 / (x[j] * x[j] + y[j] * y[j]);
+        xx[j] = w[j] * (x[j] * x[j]);
+        yy[j] = w[j] * (y[j] * y[j]);
+        xy[j] = w[j] * x[j] * y[j];
+    }
     double Sxx = 0.0;
     double Syy = 0.0;
     double Sxy = 0.0;
     for (std::size_t j = 0; j < count; ++j) {
-        Sxx += w[j] * (d[j].x * d[j].x);
-        Syy += w[j] * (d[j].y * d[j].y);
-        Sxy += w[j] * d[j].x * d[j].y;
+        Sxx += xx[j];
+        Syy += yy[j];
+        Sxy += xy[j];
     }
     const double det = Sxx * Syy - Sxy * Sxy;
     if (!(det > rounding * (Sxx * Syy)) || !std::isfinite(det))
         return false;
     for (std::size_t j = 0; j < count; ++j)
-        lsq[j] = {w[j] * (Syy * d[j].x - Sxy * d[j].y) / det, w[j] * (Sxx * d[j].y - Sxy * d[j].x) / det};
+        lsq[j] = {w[j] * (Syy * x[j] - Sxy * y[j]) / det, w[j] * (Sxx * y[j] - Sxy * x[j]) / det};
     return true;
 }
 

@@ -13,6 +13,7 @@ namespace fluvane {
 
 namespace {
 
+using Links = Records3D::Links;
 using Cells = CellTable<Records3D>;
 using Centres = HugeArray<Vec3>; // closer together than in the records
 
@@ -112,7 +113,7 @@ void shapeFaces(const Centres& centres) {
         shapeFace(mesh.faces3D.data()[slot], centres);
 }
 
-/// Sets the volume of a cell of four nodes. False when they lie in one plane.
+/// Sets the volume of a cell of four nodes, others keep 0. False when they lie in one plane.
 bool setVolume(CellRecord3D& cell) {
     // The triple product's own rounding, relative to the edges' lengths, when it should be 0.
     constexpr double rounding = 1e-14;
@@ -125,21 +126,15 @@ bool setVolume(CellRecord3D& cell) {
     return product > rounding * (lengthOf(a) * lengthOf(b) * lengthOf(c));
 }
 
-/// Fills the records' connections and centres, and the volumes of cells of four nodes; other cells keep 0.
-FlawedCells placeCells(const Cells& cells, const Centres& centres) {
-    FlawedCells flat;
-#pragma omp parallel for schedule(static) reduction(addFlaws : flat)
-    for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
-        const std::size_t i = mesh.cells3D.order().number(static_cast<std::size_t>(slot));
-        CellRecord3D& cell = mesh.cells3D.data()[slot];
-        fillConnections(cells[i], cell);
-        cell.xc = centres[i].x;
-        cell.yc = centres[i].y;
-        cell.zc = centres[i].z;
-        if (cell.nodeCount == 4 && !setVolume(cell))
-            flat.add(static_cast<std::int32_t>(i));
+/// Asks for what collectFaces() will read of the faces of a cell.
+void prefetchFaces([[maybe_unused]] const Links& links) {
+#if defined(__GNUC__) || defined(__clang__)
+    for (std::size_t k = 0; k < static_cast<std::size_t>(links.faceCount); ++k) {
+        const FaceRecord3D& face = faceAt(links.faces[k]);
+        __builtin_prefetch(&face.n0x);
+        __builtin_prefetch(&face.n1x);
     }
-    return flat;
+#endif
 }
 
 /// Copies the outward normals and the areas of the cell's faces. Whether these are the four sides of a
@@ -183,47 +178,68 @@ bool setWeights(CellRecord3D& cell, const Vec3& centre, const Centres& centres) 
     // The determinant's own rounding when it should be 0, relative to the product of the diagonal. That
     // product bounds the determinant and scales with it when an axis is stretched.
     constexpr double rounding = 1e-13;
-    std::array<Vec3, CellRecord3D::maxNeighbours> d;
-    std::array<double, CellRecord3D::maxNeighbours> w;
+    // One array a number, so that the compiler works on several neighbours at once.
+    using Numbers = std::array<double, CellRecord3D::maxNeighbours>;
+    Numbers x, y, z, w, xx, yy, zz, xy, xz, yz;
     const auto count = static_cast<std::size_t>(cell.neighbourCount);
+    const std::int32_t* const neighbours = cell.neighbours;
     for (std::size_t j = 0; j < count; ++j) {
-        d[j] = centre - centres[static_cast<std::size_t>(cell.neighbours[j])];
-        w[j] = dot(d[j], d[j]);
+        const Vec3 d = centre - centres[static_cast<std::size_t>(neighbours[j])];
+        x[j] = d.x;
+        y[j] = d.y;
+        z[j] = d.z;
     }
-    for (std::size_t j = 0; j < count; ++j)
-        w[j] = 1.0 / w[j];
+    for (std::size_t j = 0; j < count; ++j) {
+        w[j] = 1.0 / (x[j] * x[j] + y[j] * y[j] + z[j] * z[j]);
+        xx[j] = w[j] * (x[j] * x[j]);
+        yy[j] = w[j] * (y[j] * y[j]);
+        zz[j] = w[j] * (z[j] * z[j]);
+        xy[j] = w[j] * x[j] * y[j];
+        xz[j] = w[j] * x[j] * z[j];
+        yz[j] = w[j] * y[j] * z[j];
+    }
     Symmetric M;
     for (std::size_t j = 0; j < count; ++j) {
-        M.xx += w[j] * (d[j].x * d[j].x);
-        M.yy += w[j] * (d[j].y * d[j].y);
-        M.zz += w[j] * (d[j].z * d[j].z);
-        M.xy += w[j] * d[j].x * d[j].y;
-        M.xz += w[j] * d[j].x * d[j].z;
-        M.yz += w[j] * d[j].y * d[j].z;
+        M.xx += xx[j];
+        M.yy += yy[j];
+        M.zz += zz[j];
+        M.xy += xy[j];
+        M.xz += xz[j];
+        M.yz += yz[j];
     }
     const Symmetric A = M.adjugate();
     const double det = M.xx * A.xx + M.xy * A.xy + M.xz * A.xz;
     if (!(det > rounding * (M.xx * M.yy * M.zz)) || !std::isfinite(det))
         return false;
     const Symmetric inverse = A.dividedBy(det);
+    Vec3* const lsq = cell.lsq;
     for (std::size_t j = 0; j < count; ++j) {
-        const Vec3 v = inverse.times(d[j]);
-        cell.lsq[j] = {w[j] * v.x, w[j] * v.y, w[j] * v.z};
+        const Vec3 v = inverse.times({x[j], y[j], z[j]});
+        lsq[j] = {w[j] * v.x, w[j] * v.y, w[j] * v.z};
     }
     return true;
 }
 
-/// Everything that needs points. False, with one problem line, when cells are no tetrahedra.
+/// Fills the cells' records and weights. False, with one problem line, when cells are no tetrahedra.
 bool shapeCells(const Cells& cells, const Centres& centres) {
-    const FlawedCells flat = placeCells(cells, centres);
-    shapeFaces(centres);
+    constexpr std::int32_t ahead = 6;
+    const StorageOrder& order = mesh.cells3D.order();
     FlawedCells otherShapes;
+    FlawedCells flat;
     FlawedCells singular;
-#pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, singular)
+#pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, flat, singular)
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
-        const std::size_t i = mesh.cells3D.order().number(static_cast<std::size_t>(slot));
+        if (slot + ahead < mesh.cellCount)
+            prefetchFaces(cells[order.number(static_cast<std::size_t>(slot + ahead))]);
+        const std::size_t i = order.number(static_cast<std::size_t>(slot));
         const auto c = static_cast<std::int32_t>(i);
         CellRecord3D& cell = mesh.cells3D.data()[slot];
+        fillConnections(cells[i], cell);
+        cell.xc = centres[i].x;
+        cell.yc = centres[i].y;
+        cell.zc = centres[i].z;
+        if (cell.nodeCount == 4 && !setVolume(cell))
+            flat.add(c);
         if (!collectFaces(cell, c))
             otherShapes.add(c);
         if (!setWeights(cell, centres[i], centres))
@@ -254,6 +270,7 @@ bool build(Storage storage) {
     if (!buildNeighbourLists<Records3D>(cells))
         return false;
     listSlots<Records3D>(faces, cells);
+    shapeFaces(centres);
     return shapeCells(cells, centres);
 }
 

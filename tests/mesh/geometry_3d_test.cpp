@@ -496,6 +496,28 @@ TEST_F(Geometry3DTest, SeventhFaceOrNinthNodeOfACellIsRefusedWithLineAndCell) {
     expectRefused({"hand.msh", "line 3, cell 1", "six faces and eight nodes"});
 }
 
+TEST_F(Geometry3DTest, TheFirstFaceTooManyIsNamedForEveryThreadCount) {
+    const int before = omp_get_max_threads();
+    for (const int threads : {1, 2, 7}) {
+        omp_set_num_threads(threads);
+        // The last of four cells has too many faces before the first one has.
+        std::vector<TestFace> boundary(6, {{0, 1, 2}, 3, -1});
+        boundary.insert(boundary.end(), 6, {{0, 1, 2}, 0, -1});
+        setMesh(corner, {{{0, 1, 2}, 0, 3}}, boundary);
+        expectRefused({"line 7, cell 4", "six faces"});
+        // Both cells of a face have too many: the face's first cell is looked at first.
+        setMesh(corner, std::vector<TestFace>(7, {{0, 1, 2}, 3, 0}), {});
+        expectRefused({"line 7, cell 4", "six faces"});
+        // The second cell gets the face before the first one gets its nodes.
+        std::vector<TestFace> interior(6, {{0, 1, 2}, 0, 1});
+        interior.insert(interior.end(), {{{0, 1, 2}, 3, 2}, {{3, 4, 5}, 3, 2}, {{6, 7, 0}, 3, 2}});
+        interior.push_back({{8, 1, 2}, 3, 0});
+        setMesh(std::vector<Vec3>(9), interior, {});
+        expectRefused({"line 10, cell 1", "six faces"});
+    }
+    omp_set_num_threads(before);
+}
+
 TEST_F(Geometry3DTest, MoreThanTwentyFourNeighboursAreRefusedWithLineAndCell) {
     // The first of two rings holds six cells, the second 30: six faces each, no cell met twice.
     std::vector<TestFace> interior;
