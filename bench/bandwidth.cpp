@@ -140,8 +140,8 @@ std::size_t cacheSize(int level) {
 
 } // namespace
 
-double Bandwidth::best() const {
-    return std::max({read, copy, triad, streamedCopy, streamedTriad});
+double Bandwidth::bestThatWrites() const {
+    return std::max({copy, triad, streamedCopy, streamedTriad});
 }
 
 Bandwidth measureBandwidth(std::size_t bytes) {

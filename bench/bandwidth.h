@@ -5,7 +5,7 @@
 
 namespace fluvane::bench {
 
-/// The four ways of moving whole arrays. Rates count every byte that moves: with ordinary stores also the
+/// The five ways of moving whole arrays. Rates count every byte that moves: with ordinary stores also the
 /// lines that are read only because they are written.
 struct Bandwidth {
     double read = 0.0;         ///< bytes a second; summing arrays up
@@ -14,8 +14,8 @@ struct Bandwidth {
     double streamedCopy = 0.0; ///< the same with stores past the caches; 0 where the processor has none
     double streamedTriad = 0.0;
 
-    /// The best of them: no loop moves more.
-    double best() const;
+    /// The best of those that write, as every loop of a step does.
+    double bestThatWrites() const;
 };
 
 /// Measures on arrays of so many bytes in all, on the thread count set for OpenMP; the best of several tries,

@@ -47,12 +47,16 @@ void bandwidth(benchmark::State& state) {
     state.counters["streamed_triad_GB/s"] = b.streamedTriad * 1e-9;
 }
 
+/// Argument: threads (0: one a processor).
 void multiplyAdd(benchmark::State& state) {
+    const int asked = static_cast<int>(state.range(0));
+    omp_set_num_threads(asked > 0 ? asked : omp_get_num_procs());
     bench::MultiplyAdd peak;
     for ([[maybe_unused]] auto iteration : state)
         peak = bench::measureMultiplyAdd();
     constexpr const char* names[] = {"baseline", "AVX2", "AVX-512"};
     state.SetLabel(names[static_cast<int>(instructionSetInUse())]);
+    state.counters["processors"] = omp_get_max_threads();
     state.counters["separate_Gop/s"] = peak.separate * 1e-9;
     state.counters["fused_Gop/s"] = peak.fused * 1e-9;
 }
@@ -64,6 +68,6 @@ BENCHMARK(bandwidth)
     ->ArgsProduct({{secondLevel, lastLevel, memory}, {1, 0}})
     ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK(multiplyAdd)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(multiplyAdd)->ArgName("threads")->Arg(1)->Arg(0)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

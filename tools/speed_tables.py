@@ -64,8 +64,8 @@ def multiply_add(results):
     rows = []
     for b in entries(results, "machine_benchmark", "multiplyAdd"):
         fused = rounded(b["fused_Gop/s"]) if b["fused_Gop/s"] else "–"
-        rows.append([b["label"], rounded(b["separate_Gop/s"]), fused])
-    return table(["Instruction set", "Multiply, then add", "Fused"], rows)
+        rows.append([b["label"], f"{b['processors']:.0f}", rounded(b["separate_Gop/s"]), fused])
+    return table(["Instruction set", "Threads", "Multiply, then add", "Fused"], rows)
 
 
 def _step_rows(found, first):
@@ -137,14 +137,16 @@ def _loop_columns(by_threads, loop):
     columns = []
     for loops in by_threads.values():
         b = loops[loop]
-        columns += [rounded(b["ns/cell"]), rounded(b["GB/s"]), percent(b["share_of_bound"])]
+        columns += [rounded(b["ns/cell"]), rounded(b["GB/s"]), percent(b["share_of_bound"]),
+                    percent(b["fastest_share_of_bound"])]
     return columns
 
 
 def _loop_head(first, by_threads):
     head = list(first)
     for count in by_threads:
-        head += [f"ns a cell, {count} thread" + ("s" if count > 1 else ""), "GB/s", "of the bound"]
+        head += [f"ns a cell, {count} thread" + ("s" if count > 1 else ""), "GB/s", "of the bound",
+                 "at best"]
     return head
 
 
@@ -161,8 +163,11 @@ def loops(results):
         bound = ", ".join(
             f"{rounded(each['all']['bandwidth_GB/s'])} GB/s on {count}" for count, each in by_threads.items()
         )
+        reading = ", ".join(
+            f"{rounded(each['all']['reading_GB/s'])} GB/s on {count}" for count, each in by_threads.items()
+        )
         rows = [[loop, *_bytes_columns(one[loop]), *_loop_columns(by_threads, loop)] for loop in one]
-        title = f"{mesh.capitalize()}, {physics}, {thousands(cells)} cells; bandwidth {bound}:"
+        title = f"{mesh.capitalize()}, {physics}, {thousands(cells)} cells; bandwidth {bound} (reading alone {reading}):"
         texts.append(title + "\n\n" + table(_loop_head(["Loop", *BYTES_HEAD], by_threads), rows))
     return "\n\n".join(texts) or "Not measured."
 
