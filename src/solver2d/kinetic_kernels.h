@@ -144,6 +144,20 @@ FLUVANE_FORCE_INLINE const std::int32_t* facesOf(const Data& d, const typename D
     return d.cellFaces ? d.cellFaces[&cell - d.cells].data() : cell.faces.data();
 }
 
+// ---- records in order -------------------------------------------------------------------------------------
+
+/// How many records ahead of the one at work a loop in order asks for what it will read.
+inline constexpr std::ptrdiff_t recordsAhead = 16;
+
+/// Asks for the moments and the row of Q of the record that so many come before. Of records in order a loop
+/// reads one line and leaves out the rest, which the processor does not foresee well by itself.
+template <int Q, class Record>
+FLUVANE_FORCE_INLINE void prefetchRecord(const StepConstants& c, const Record& record, const double* row) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    prefetchNumbers(further(&record.rho, recordsAhead * static_cast<std::ptrdiff_t>(sizeof(Record))), 1);
+    prefetchEighths(further(row, recordsAhead * q * static_cast<std::ptrdiff_t>(sizeof(double))), q);
+}
+
 // ---- moments ----------------------------------------------------------------------------------------------
 
 template <int D>
@@ -270,6 +284,7 @@ template <int Q, class Data>
 void collideFlow(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last) {
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
+        prefetchRecord<Q>(c, d.cells[i], d.fTilde + i * q);
         const auto& cell = d.cells[i];
         const double rho = cell.rho;
         const auto u = velocityOf(cell);
@@ -294,6 +309,7 @@ void collideTemperature(const StepConstants& c, const Data& d, std::int32_t firs
     const std::ptrdiff_t q = stride<Q>(c);
     const bool heated = c.heatSource != 0.0;
     for (std::ptrdiff_t i = first; i < last; ++i) {
+        prefetchRecord<Q>(c, d.cells[i], d.gTilde + i * q);
         const auto& cell = d.cells[i];
         const double T = cell.T;
         const auto u = velocityOf(cell);

@@ -36,6 +36,7 @@ template <int Q>
 void collideEnthalpy(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
+        prefetchRecord<Q>(c, d.cells[i], d.gTilde + i * q);
         const CellRecord& cell = d.cells[i];
         const double H = cell.H, T = cell.T;
         const Vector<2> u = velocityOf(cell);
@@ -184,10 +185,14 @@ FLUVANE_FLATTEN void recover(const StepConstants& c, const StepData2D& d, std::i
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
         const FaceRecord& face = d.faces[i];
-        if (c.heatOn())
+        if (c.heatOn()) {
+            prefetchRecord<Q>(c, face, d.gFace + i * q);
             recoverHeat<Q>(c, face.T, velocityOf(face), d.gFace + i * q);
-        if (c.flowOn)
+        }
+        if (c.flowOn) {
+            prefetchRecord<Q>(c, face, d.fFace + i * q);
             recoverFlow<Q>(c, face.rho, velocityOf(face), forceOf(face), d.fFace + i * q);
+        }
     }
 }
 
