@@ -44,7 +44,8 @@ CANNED = {
         {"name": "bandwidth/place:2/threads:1/iterations:1", "label": "memory", "MiB": 256.0, "processors": 1.0,
          "read_GB/s": 12.34, "copy_GB/s": 20.0, "triad_GB/s": 21.0, "streamed_copy_GB/s": 15.0,
          "streamed_triad_GB/s": 0.0},
-        {"name": "multiplyAdd/threads:1/iterations:1", "label": "AVX2", "processors": 1.0, "separate_Gop/s": 51.2, "fused_Gop/s": 0.0},
+        {"name": "multiplyAdd/threads:1/iterations:1", "label": "AVX2", "processors": 1.0,
+         "separate_Gop/s": 51.2, "fused_Gop/s": 0.0},
     ],
     "step_2d_benchmark": [
         step_entry("stepBesidePlainReference/n:64/physics:0/shape:0/iterations:9/manual_time"),
@@ -63,11 +64,12 @@ CANNED = {
     ],
     "read_mesh_benchmark": [
         {"name": "quadrilaterals/n:256/threads:1/iterations:3", "cells": 65536.0, "threads": 1.0, "read_s": 0.018,
-         "read_system_s": 0.004, "read_ns/cell": 277.0, "geometry_s": 0.045, "geometry_system_s": 0.02,
-         "geometry_ns/cell": 684.0, "MB/s": 240.0},
+         "read_fastest_s": 0.017, "read_system_s": 0.004, "read_ns/cell": 277.0, "geometry_s": 0.045,
+         "geometry_fastest_s": 0.042, "geometry_system_s": 0.02, "geometry_ns/cell": 684.0, "MB/s": 240.0},
         {"name": "tetrahedra/n:58/velocities:0/shuffled:1/threads:0/iterations:3", "cells": 975560.0, "threads": 2.0,
-         "read_s": 0.5, "read_system_s": 0.1, "read_ns/cell": 512.0, "geometry_s": 1.25, "geometry_system_s": 0.75,
-         "geometry_ns/cell": 1281.0, "MB/s": 210.0},
+         "read_s": 0.5,
+         "read_fastest_s": 0.4, "read_system_s": 0.1, "read_ns/cell": 512.0, "geometry_s": 1.25,
+         "geometry_fastest_s": 0.9, "geometry_system_s": 0.75, "geometry_ns/cell": 1281.0, "MB/s": 210.0},
     ],
     "write_result_benchmark": [
         {"name": "resultFile/n:256/iterations:9/manual_time", "MB": 9.5, "MB/s": 300.0, "wall_MB/s": 280.0,
@@ -143,8 +145,8 @@ class Tables(unittest.TestCase):
 
     def test_reading_names_the_kind_of_mesh(self):
         table = rows(speed_tables.reading(CANNED))
-        self.assertEqual(table[0], ["65 536", "quadrilaterals", "1", "0.018 s", "0.0040 s", "0.045 s", "0.020 s", "684",
-                                    "240"])
+        self.assertEqual(table[0], ["65 536", "quadrilaterals", "1", "0.018 s", "0.017 s", "0.0040 s", "0.045 s",
+                                    "0.042 s", "0.020 s", "684", "240"])
         self.assertEqual(table[1][1], "tetrahedra, 0 velocities, numbered at random")
 
     def test_writing_shows_files_but_not_single_numbers(self):
