@@ -229,8 +229,8 @@ bool shapeCells(const Cells& cells, const Centres& centres) {
     FlawedCells singular;
 #pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, flat, singular)
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
-        if (slot + ahead < mesh.cellCount)
-            prefetchFaces(cells[order.number(static_cast<std::size_t>(slot + ahead))]);
+        if (const std::int32_t soon = slot + ahead; soon < mesh.cellCount)
+            prefetchFaces(cells[order.number(static_cast<std::size_t>(soon))]);
         const std::size_t i = order.number(static_cast<std::size_t>(slot));
         const auto c = static_cast<std::int32_t>(i);
         CellRecord3D& cell = mesh.cells3D.data()[slot];

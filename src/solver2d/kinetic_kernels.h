@@ -149,13 +149,16 @@ FLUVANE_FORCE_INLINE const std::int32_t* facesOf(const Data& d, const typename D
 /// How many records ahead of the one at work a loop in order asks for what it will read.
 inline constexpr std::ptrdiff_t recordsAhead = 16;
 
-/// Asks for the moments and the row of Q of the record that so many come before. Of records in order a loop
-/// reads one line and leaves out the rest, which the processor does not foresee well by itself.
+/// Asks for the moments and the row of a record that comes soon after record i and before `end`. Of records
+/// in order a loop reads one line and leaves out the rest, which the processor does not foresee well by
+/// itself.
 template <int Q, class Record>
-FLUVANE_FORCE_INLINE void prefetchRecord(const StepConstants& c, const Record& record, const double* row) {
+FLUVANE_FORCE_INLINE void prefetchRecord(const StepConstants& c, const Record* records, const double* rows,
+                                         std::ptrdiff_t i, std::ptrdiff_t end) {
+    const std::ptrdiff_t soon = i + recordsAhead < end ? i + recordsAhead : end - 1;
     const std::ptrdiff_t q = stride<Q>(c);
-    prefetchNumbers(further(&record.rho, recordsAhead * static_cast<std::ptrdiff_t>(sizeof(Record))), 1);
-    prefetchEighths(further(row, recordsAhead * q * static_cast<std::ptrdiff_t>(sizeof(double))), q);
+    prefetchNumbers(&records[soon].rho, 1);
+    prefetchEighths(rows + soon * q, q);
 }
 
 // ---- moments ----------------------------------------------------------------------------------------------
@@ -280,11 +283,13 @@ FLUVANE_FORCE_INLINE void storeCollided(const CollisionFactors& factors, const R
     ((3.0 * collided + tilde) * 0.25).store(barPlus);
 }
 
+/// Cells first .. last - 1 of a share that goes on to `end`.
 template <int Q, class Data>
-void collideFlow(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last) {
+void collideFlow(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last,
+                 std::int32_t end) {
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
-        prefetchRecord<Q>(c, d.cells[i], d.fTilde + i * q);
+        prefetchRecord<Q>(c, d.cells, d.fTilde, i, end);
         const auto& cell = d.cells[i];
         const double rho = cell.rho;
         const auto u = velocityOf(cell);
@@ -305,11 +310,12 @@ void collideFlow(const StepConstants& c, const Data& d, std::int32_t first, std:
 }
 
 template <int Q, class Data>
-void collideTemperature(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last) {
+void collideTemperature(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last,
+                        std::int32_t end) {
     const std::ptrdiff_t q = stride<Q>(c);
     const bool heated = c.heatSource != 0.0;
     for (std::ptrdiff_t i = first; i < last; ++i) {
-        prefetchRecord<Q>(c, d.cells[i], d.gTilde + i * q);
+        prefetchRecord<Q>(c, d.cells, d.gTilde, i, end);
         const auto& cell = d.cells[i];
         const double T = cell.T;
         const auto u = velocityOf(cell);

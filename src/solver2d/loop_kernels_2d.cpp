@@ -33,10 +33,11 @@ FLUVANE_FORCE_INLINE bool heldStill(const StepConstants& c, double H) {
 // ---- collision ------------------------------------------------------------------------------------------
 
 template <int Q>
-void collideEnthalpy(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last) {
+void collideEnthalpy(const StepConstants& c, const StepData2D& d, std::int32_t first, std::int32_t last,
+                     std::int32_t end) {
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
-        prefetchRecord<Q>(c, d.cells[i], d.gTilde + i * q);
+        prefetchRecord<Q>(c, d.cells, d.gTilde, i, end);
         const CellRecord& cell = d.cells[i];
         const double H = cell.H, T = cell.T;
         const Vector<2> u = velocityOf(cell);
@@ -58,11 +59,11 @@ FLUVANE_FLATTEN void collide(const StepConstants& c, const StepData2D& d, std::i
                              std::int32_t last) {
     overBlocks(first, last, [&](std::int32_t begin, std::int32_t end) {
         if (c.flowOn)
-            collideFlow<Q>(c, d, begin, end);
+            collideFlow<Q>(c, d, begin, end, last);
         if (c.heat == HeatForm::temperature)
-            collideTemperature<Q>(c, d, begin, end);
+            collideTemperature<Q>(c, d, begin, end, last);
         else if (c.enthalpyForm())
-            collideEnthalpy<Q>(c, d, begin, end);
+            collideEnthalpy<Q>(c, d, begin, end, last);
     });
 }
 
@@ -186,11 +187,11 @@ FLUVANE_FLATTEN void recover(const StepConstants& c, const StepData2D& d, std::i
     for (std::ptrdiff_t i = first; i < last; ++i) {
         const FaceRecord& face = d.faces[i];
         if (c.heatOn()) {
-            prefetchRecord<Q>(c, face, d.gFace + i * q);
+            prefetchRecord<Q>(c, d.faces, d.gFace, i, last);
             recoverHeat<Q>(c, face.T, velocityOf(face), d.gFace + i * q);
         }
         if (c.flowOn) {
-            prefetchRecord<Q>(c, face, d.fFace + i * q);
+            prefetchRecord<Q>(c, d.faces, d.fFace, i, last);
             recoverFlow<Q>(c, face.rho, velocityOf(face), forceOf(face), d.fFace + i * q);
         }
     }

@@ -146,12 +146,6 @@ FLUVANE_FORCE_INLINE void prefetchNumbers(const double* p, std::ptrdiff_t count)
         prefetchEighths(p + count - 1, 1);
 }
 
-/// The address so many bytes on, which may lie outside the array: it is asked for, never read.
-FLUVANE_FORCE_INLINE const double* further(const double* p, std::ptrdiff_t bytes) {
-    return reinterpret_cast<const double*>(reinterpret_cast<std::uintptr_t>(p) +
-                                           static_cast<std::uintptr_t>(bytes));
-}
-
 /// Calls body(i, n) for groups of n = 4 records, with n as a compile-time constant, and for the last ones one
 /// by one: records of a group have nothing to wait for in each other.
 template <class Body>

@@ -15,9 +15,9 @@ FLUVANE_FLATTEN void collide(const StepConstants& c, const StepData3D& d, std::i
                              std::int32_t last) {
     overBlocks(first, last, [&](std::int32_t begin, std::int32_t end) {
         if (c.flowOn)
-            collideFlow<Q>(c, d, begin, end);
+            collideFlow<Q>(c, d, begin, end, last);
         if (c.heatOn())
-            collideTemperature<Q>(c, d, begin, end);
+            collideTemperature<Q>(c, d, begin, end, last);
     });
 }
 
