@@ -57,7 +57,13 @@ constexpr int headLanes(int n) {
     return lanes;
 }
 
-/// N numbers with element-wise arithmetic: a head of one vector and the rest. A rest shorter than the head
+/// The vector for a rest of n numbers behind a head of so many lanes: no narrower than four where the head is
+/// not, because a row's last number alone costs as much in a vector of four as in one of two.
+constexpr int restLanes(int n, int lanes) {
+    return lanes > 4 && n <= 4 ? 4 : lanes;
+}
+
+/// N numbers with element-wise arithmetic: a head of one vector and the rest. A rest shorter than its vector
 /// takes in the last numbers of the head, so that all vectors are whole and nothing is padded; numbers that
 /// are held twice are the same. All operations round each element just as the same operation on single
 /// numbers does.
@@ -65,7 +71,9 @@ template <int N>
 struct Row {
     static constexpr int size = N;
     static constexpr int headSize = headLanes(N);
-    static constexpr int restSize = N == headSize ? 0 : N < 2 * headSize ? headSize : N - headSize;
+    static constexpr int restSize = N == headSize      ? 0
+                                    : N < 2 * headSize ? restLanes(N - headSize, headSize)
+                                                       : N - headSize;
     static constexpr int restStart = N - restSize;
     using Head = typename Lanes<headSize>::type;
     using Rest = Row<restSize>;
