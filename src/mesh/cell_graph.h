@@ -261,10 +261,12 @@ struct Share {
           last(static_cast<std::int32_t>(count * (t + 1) / n)) {}
 };
 
+/// What connectShare() returns when no cell has too many faces or nodes.
+inline constexpr std::int64_t noCrowding = std::numeric_limits<std::int64_t>::max();
+
 /// Gives the cells of a share, in the order of the faces, their faces and from each the nodes that they take.
 /// Returns 4 * face + the step at which a cell has too many of either: its first cell gets the face, its
-/// second cell does, then the nodes. All of them fit: noCrowding.
-constexpr std::int64_t noCrowding = std::numeric_limits<std::int64_t>::max();
+/// second cell does, then the nodes.
 template <class Records>
 std::int64_t connectShare(const FaceTable<Records>& faces, CellTable<Records>& cells, const Share& share) {
     const auto isOurs = [&share](std::int32_t c) { return c >= share.first && c < share.last; };
