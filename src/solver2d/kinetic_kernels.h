@@ -144,21 +144,43 @@ FLUVANE_FORCE_INLINE const std::int32_t* facesOf(const Data& d, const typename D
     return d.cellFaces ? d.cellFaces[&cell - d.cells].data() : cell.faces.data();
 }
 
-// ---- records in order -------------------------------------------------------------------------------------
+// ---- what is asked for ahead ------------------------------------------------------------------------------
 
-/// How many records ahead of the one at work a loop in order asks for what it will read.
+/// How many records ahead of the one at work a loop in order asks the nearest cache for what it will read.
 inline constexpr std::ptrdiff_t recordsAhead = 16;
 
-/// Asks for the moments and the row of a record that comes soon after record i and before `end`. Of records
-/// in order a loop reads one line and leaves out the rest, which the processor does not foresee well by
-/// itself.
-template <int Q, class Record>
+/// How many records ahead a loop asks the second-level cache for what lies in order. The processor foresees
+/// that by itself, but only up to the end of a page of 4 kB, which holds a few dozen rows, and has to find
+/// out anew in the next one.
+template <int D>
+inline constexpr std::ptrdiff_t recordsLater = D == 3 ? 96 : 64;
+
+/// The record that is asked for before record i is worked on: none behind `end`.
+template <class Data>
+FLUVANE_FORCE_INLINE std::ptrdiff_t laterThan(std::ptrdiff_t i, std::ptrdiff_t end) {
+    const std::ptrdiff_t later = i + recordsLater<Data::dimensions>;
+    return later < end ? later : end - 1;
+}
+
+/// Whether the records that others name lie in no order: in 3D whole layers of cells apart, and along a
+/// curve, which turns all the time. In a 2D mesh as numbered they are a few rows in order.
+template <class Data>
+FLUVANE_FORCE_INLINE bool jumps(const Data& d) {
+    return Data::dimensions == 3 || d.faceCells;
+}
+
+/// Before record i: asks for the moments and the row of one that comes soon and of one that comes later. Of
+/// records in order a loop reads one line and leaves out the rest.
+template <int Q, class Data, class Record>
 FLUVANE_FORCE_INLINE void prefetchRecord(const StepConstants& c, const Record* records, const double* rows,
                                          std::ptrdiff_t i, std::ptrdiff_t end) {
-    const std::ptrdiff_t soon = i + recordsAhead < end ? i + recordsAhead : end - 1;
     const std::ptrdiff_t q = stride<Q>(c);
+    const std::ptrdiff_t soon = i + recordsAhead < end ? i + recordsAhead : end - 1;
     prefetchNumbers(&records[soon].rho, 1);
     prefetchEighths(rows + soon * q, q);
+    const std::ptrdiff_t later = laterThan<Data>(i, end);
+    prefetchLater(&records[later].rho, 1);
+    prefetchLater(rows + later * q, q);
 }
 
 // ---- moments ----------------------------------------------------------------------------------------------
@@ -283,13 +305,25 @@ FLUVANE_FORCE_INLINE void storeCollided(const CollisionFactors& factors, const R
     ((3.0 * collided + tilde) * 0.25).store(barPlus);
 }
 
+/// Before cell i: asks for what the collision of one distribution reads and writes.
+template <int Q, class Data>
+FLUVANE_FORCE_INLINE void prefetchCollision(const StepConstants& c, const Data& d, const double* tilde,
+                                            const double* plus, const double* bar, std::ptrdiff_t i,
+                                            std::ptrdiff_t end) {
+    prefetchRecord<Q, Data>(c, d.cells, tilde, i, end);
+    const std::ptrdiff_t q = stride<Q>(c);
+    const std::ptrdiff_t later = laterThan<Data>(i, end);
+    prefetchLater(plus + later * q, q);
+    prefetchLater(bar + later * q, q);
+}
+
 /// Cells first .. last - 1 of a share that goes on to `end`.
 template <int Q, class Data>
 void collideFlow(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last,
                  std::int32_t end) {
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
-        prefetchRecord<Q>(c, d.cells, d.fTilde, i, end);
+        prefetchCollision<Q>(c, d, d.fTilde, d.fTildePlus, d.fBarPlus, i, end);
         const auto& cell = d.cells[i];
         const double rho = cell.rho;
         const auto u = velocityOf(cell);
@@ -315,7 +349,7 @@ void collideTemperature(const StepConstants& c, const Data& d, std::int32_t firs
     const std::ptrdiff_t q = stride<Q>(c);
     const bool heated = c.heatSource != 0.0;
     for (std::ptrdiff_t i = first; i < last; ++i) {
-        prefetchRecord<Q>(c, d.cells, d.gTilde, i, end);
+        prefetchCollision<Q>(c, d, d.gTilde, d.gTildePlus, d.gBarPlus, i, end);
         const auto& cell = d.cells[i];
         const double T = cell.T;
         const auto u = velocityOf(cell);
@@ -340,16 +374,23 @@ void collideTemperature(const StepConstants& c, const Data& d, std::int32_t firs
 template <int D>
 inline constexpr std::ptrdiff_t cellsAhead = D == 3 ? 3 : 5;
 
-/// Asks for the rows of the neighbours of cell i, if it comes before `last`. Worth it in 3D, where they lie
-/// whole layers of cells apart, and along a curve, which turns all the time; in a 2D mesh as numbered they
-/// are a few rows in order, which come by themselves.
+/// Before cell i: asks for the lists and the gradients of a later one, and for the rows of the neighbours of
+/// one that comes soon, which come by themselves where they lie in order.
 template <int Q, class Data>
-FLUVANE_FORCE_INLINE void prefetchNeighbours(const StepConstants& c, const Data& d, const double* barPlus,
-                                             std::ptrdiff_t i, std::ptrdiff_t last) {
-    if (i >= last)
-        return;
+FLUVANE_FORCE_INLINE void prefetchGradients(const StepConstants& c, const Data& d, const double* barPlus,
+                                            const double* gradient, std::ptrdiff_t i, std::ptrdiff_t last) {
+    constexpr int D = Data::dimensions;
     const std::ptrdiff_t q = stride<Q>(c);
-    for (std::int32_t j = d.neighbourStart[i]; j < d.neighbourStart[i + 1]; ++j)
+    const std::ptrdiff_t later = laterThan<Data>(i, last);
+    const std::ptrdiff_t start = d.neighbourStart[later];
+    const std::ptrdiff_t count = d.neighbourStart[later + 1] - start;
+    prefetchLater(&d.neighbours[start], count);
+    prefetchLater(&d.lsq[start].x, D * count);
+    prefetchLater(gradient + D * later * q, D * q);
+    const std::ptrdiff_t soon = i + cellsAhead<D>;
+    if (!jumps(d) || soon >= last)
+        return;
+    for (std::int32_t j = d.neighbourStart[soon]; j < d.neighbourStart[soon + 1]; ++j)
         prefetchEighths(barPlus + d.neighbours[j] * q, q);
 }
 
@@ -364,8 +405,7 @@ void gradientsOf(const StepConstants& c, const Data& d, const double* barPlus, d
         const std::int32_t end = d.neighbourStart[i + 1];
         const double* const own = barPlus + i * q;
         double* const out = gradient + D * i * q;
-        if (D == 3 || d.faceCells)
-            prefetchNeighbours<Q>(c, d, barPlus, i + cellsAhead<D>, last);
+        prefetchGradients<Q>(c, d, barPlus, gradient, i, last);
         overVelocities<Q>(c.velocityCount, [&](auto row, int k) {
             using R = decltype(row);
             const R centre = R::load(own + k);
@@ -432,20 +472,52 @@ FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const Data& d,
 template <int D>
 inline constexpr std::ptrdiff_t facesAhead = D == 3 ? 4 : 8;
 
+/// Asks the nearest cache, or the second-level one for what comes later, for what the reconstruction of one
+/// distribution reads of a cell.
+template <int Q, bool comesLater, class Data>
+FLUVANE_FORCE_INLINE void prefetchSide(const StepConstants& c, const Data& d, std::ptrdiff_t cell,
+                                       const double* barPlus, const double* gradient) {
+    constexpr int D = Data::dimensions;
+    const std::ptrdiff_t q = stride<Q>(c);
+    if constexpr (comesLater) {
+        prefetchLater(&d.cells[cell].xc, 1);
+        prefetchLater(barPlus + cell * q, q);
+        prefetchLater(gradient + D * q * cell, D * q);
+    } else {
+        prefetchNumbers(&d.cells[cell].xc, 1);
+        prefetchNumbers(barPlus + cell * q, q);
+        prefetchNumbers(gradient + D * q * cell, D * q);
+    }
+}
+
 /// Asks for what the reconstruction of one distribution on faces first .. first + N - 1, as far as they come
-/// before `last`, reads of their cells.
+/// before `last`, reads of their cells, and of a cell that comes later than the second of each. The first
+/// cells come in order; where the others jump, these have left the nearest cache.
 template <int Q, int N, class Data>
 FLUVANE_FORCE_INLINE void prefetchSides(const StepConstants& c, const Data& d, std::ptrdiff_t first,
                                         std::ptrdiff_t last, const double* barPlus, const double* gradient) {
-    constexpr int D = Data::dimensions;
-    const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < first + N && i < last; ++i) {
         const auto [c0, c1] = sidesOf(d, d.faces[i]);
-        for (const std::ptrdiff_t cell : {c0, c1}) {
-            prefetchNumbers(&d.cells[cell].xc, 1);
-            prefetchNumbers(barPlus + cell * q, q);
-            prefetchNumbers(gradient + D * q * cell, D * q);
-        }
+        if (jumps(d))
+            prefetchSide<Q, false>(c, d, c0, barPlus, gradient);
+        prefetchSide<Q, false>(c, d, c1, barPlus, gradient);
+        prefetchSide<Q, true>(c, d, laterThan<Data>(c1, d.cellCount), barPlus, gradient);
+    }
+}
+
+/// Before faces first .. first + N - 1: asks for the records and the rows of later ones.
+template <int Q, int N, class Data>
+FLUVANE_FORCE_INLINE void prefetchFaces(const StepConstants& c, const Data& d, std::ptrdiff_t first,
+                                        std::ptrdiff_t last) {
+    const std::ptrdiff_t q = stride<Q>(c);
+    for (std::ptrdiff_t i = first; i < first + N; ++i) {
+        const std::ptrdiff_t later = laterThan<Data>(i, last);
+        prefetchLater(&d.faces[later].rho, 1);
+        prefetchLater(&d.faces[later].xf, 1);
+        if (c.heatOn())
+            prefetchLater(d.gFace + later * q, q);
+        if (c.flowOn)
+            prefetchLater(d.fFace + later * q, q);
     }
 }
 

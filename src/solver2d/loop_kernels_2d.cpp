@@ -37,7 +37,7 @@ void collideEnthalpy(const StepConstants& c, const StepData2D& d, std::int32_t f
                      std::int32_t end) {
     const std::ptrdiff_t q = stride<Q>(c);
     for (std::ptrdiff_t i = first; i < last; ++i) {
-        prefetchRecord<Q>(c, d.cells, d.gTilde, i, end);
+        prefetchCollision<Q>(c, d, d.gTilde, d.gTildePlus, d.gBarPlus, i, end);
         const CellRecord& cell = d.cells[i];
         const double H = cell.H, T = cell.T;
         const Vector<2> u = velocityOf(cell);
@@ -91,6 +91,7 @@ FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepDat
                                            std::ptrdiff_t last) {
     const std::ptrdiff_t q = stride<Q>(c);
     FaceRecord* const faces = d.faces + i;
+    prefetchFaces<Q, N>(c, d, i, last);
     if (c.heatOn()) {
         prefetchBeforeHeat<Q, N>(c, d, i, last);
         double* const g = d.gFace + i * q;
@@ -187,11 +188,11 @@ FLUVANE_FLATTEN void recover(const StepConstants& c, const StepData2D& d, std::i
     for (std::ptrdiff_t i = first; i < last; ++i) {
         const FaceRecord& face = d.faces[i];
         if (c.heatOn()) {
-            prefetchRecord<Q>(c, d.faces, d.gFace, i, last);
+            prefetchRecord<Q, StepData2D>(c, d.faces, d.gFace, i, last);
             recoverHeat<Q>(c, face.T, velocityOf(face), d.gFace + i * q);
         }
         if (c.flowOn) {
-            prefetchRecord<Q>(c, d.faces, d.fFace, i, last);
+            prefetchRecord<Q, StepData2D>(c, d.faces, d.fFace, i, last);
             recoverFlow<Q>(c, face.rho, velocityOf(face), forceOf(face), d.fFace + i * q);
         }
     }

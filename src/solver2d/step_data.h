@@ -4,6 +4,7 @@
 #include "mesh/records.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace fluvane {
@@ -17,6 +18,7 @@ struct StepData {
     using FaceType = Face;
 
     Cell* cells = nullptr; ///< in the order of storage, like everything here
+    std::ptrdiff_t cellCount = 0;
     Face* faces = nullptr;
     const std::array<std::int32_t, 2>* faceCells =
         nullptr; ///< where a face's cells lie; null: at their numbers

@@ -31,6 +31,7 @@ FLUVANE_FORCE_INLINE void reconstructFaces(const StepConstants& c, const StepDat
                                            std::ptrdiff_t last) {
     const std::ptrdiff_t q = stride<Q>(c);
     FaceRecord3D* const faces = d.faces + i;
+    prefetchFaces<Q, N>(c, d, i, last);
     double temperature[N] = {};
     if (c.heatOn()) {
         prefetchBeforeHeat<Q, N>(c, d, i, last);
