@@ -688,6 +688,29 @@ FLUVANE_FORCE_INLINE void keepVelocity(CellRecord3D& cell) {
     cell.wPrev = cell.w;
 }
 
+/// Before cell i: asks for the record and the rows of a later one and for the rows of two faces behind its
+/// own, as many as a quadrilateral brings along, where all of these lie in order.
+template <int Q, class Data>
+FLUVANE_FORCE_INLINE void prefetchUpdate(const StepConstants& c, const Data& d, std::ptrdiff_t i) {
+    const auto& cell = d.cells[i];
+    if (jumps(d) || cell.faceCount == 0)
+        return;
+    const std::ptrdiff_t q = stride<Q>(c);
+    const std::ptrdiff_t later = laterThan<Data>(i, d.cellCount);
+    const std::ptrdiff_t face = laterThan<Data>(cell.faces[cell.faceCount - 1], d.faceCount);
+    prefetchLater(&d.cells[later].rho, sizeof(cell) / sizeof(double));
+    if (c.flowOn) {
+        prefetchLater(d.fTilde + later * q, q);
+        prefetchLater(d.fTildePlus + later * q, q);
+        prefetchLater(d.fFace + face * q, 2 * q);
+    }
+    if (c.heatOn()) {
+        prefetchLater(d.gTilde + later * q, q);
+        prefetchLater(d.gTildePlus + later * q, q);
+        prefetchLater(d.gFace + face * q, 2 * q);
+    }
+}
+
 /// Cells i .. i + N - 1, flow before heat. `setThermal` turns the sum of a cell's g into its thermal state.
 template <int Q, int N, class Data, class SetThermal>
 FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const Data& d, std::ptrdiff_t i,
@@ -695,6 +718,8 @@ FLUVANE_FORCE_INLINE void updateCells(const StepConstants& c, const Data& d, std
     constexpr int D = Data::dimensions;
     const std::ptrdiff_t q = stride<Q>(c);
     auto* const cells = d.cells + i;
+    for (int n = 0; n < N; ++n)
+        prefetchUpdate<Q>(c, d, i + n);
     if (c.flowOn) {
         double* const tilde = d.fTilde + i * q;
         FlowMoments<D> moments[N];

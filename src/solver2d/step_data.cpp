@@ -11,6 +11,7 @@ template <class Data>
 Data withPools(Data d) {
     CellPools& p = mesh.cellPools;
     d.cellCount = mesh.cellCount;
+    d.faceCount = mesh.totalFaceCount();
     d.neighbourStart = mesh.neighbourStart.data();
     d.neighbours = mesh.neighbourSlots.empty() ? mesh.neighbourList.data() : mesh.neighbourSlots.data();
     d.faceCells = mesh.faceCellSlots.data();

@@ -20,6 +20,7 @@ struct StepData {
     Cell* cells = nullptr; ///< in the order of storage, like everything here
     std::ptrdiff_t cellCount = 0;
     Face* faces = nullptr;
+    std::ptrdiff_t faceCount = 0;
     const std::array<std::int32_t, 2>* faceCells =
         nullptr; ///< where a face's cells lie; null: at their numbers
     const std::array<std::int32_t, Cell::maxFaces>* cellFaces = nullptr; ///< the same of a cell's faces
