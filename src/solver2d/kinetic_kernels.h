@@ -3,6 +3,8 @@
 #pragma once
 
 #include "mesh/mesh.h"
+#include "solver2d/prefetch.h"
+#include "solver2d/record_places.h"
 #include "solver2d/row.h"
 #include "solver2d/step_constants.h"
 #include "solver2d/step_data.h"
@@ -94,12 +96,6 @@ FLUVANE_FORCE_INLINE bool forced(const Vector<3>& a) {
 
 // ---- velocities -------------------------------------------------------------------------------------------
 
-/// Q as a pool stride: known at compile time, or the velocity set's.
-template <int Q>
-FLUVANE_FORCE_INLINE std::ptrdiff_t stride(const StepConstants& c) {
-    return Q > 0 ? Q : c.velocityCount;
-}
-
 /// xi.a of the row of velocities from k on, components added in the order x, y, z: many velocities run
 /// exactly along faces, and the upwind side is the sign of just this sum.
 template <class R, int D>
@@ -117,70 +113,6 @@ FLUVANE_FORCE_INLINE double alongOne(const StepConstants& c, int k, const Vector
     if constexpr (D == 3)
         e = e + c.xi[2][k] * a[2];
     return e;
-}
-
-// ---- connections ------------------------------------------------------------------------------------------
-
-// A record names others by number; where the mesh is stored in another order, compact lists say where those
-// lie.
-
-struct Sides {
-    std::ptrdiff_t c0;
-    std::ptrdiff_t c1;
-};
-
-/// Where the two cells of a face lie.
-template <class Data>
-FLUVANE_FORCE_INLINE Sides sidesOf(const Data& d, const typename Data::FaceType& face) {
-    if (!d.faceCells)
-        return {face.c0, face.c1};
-    const auto& cells = d.faceCells[&face - d.faces];
-    return {cells[0], cells[1]};
-}
-
-/// Where the faces of a cell lie.
-template <class Data>
-FLUVANE_FORCE_INLINE const std::int32_t* facesOf(const Data& d, const typename Data::CellType& cell) {
-    return d.cellFaces ? d.cellFaces[&cell - d.cells].data() : cell.faces.data();
-}
-
-// ---- what is asked for ahead ------------------------------------------------------------------------------
-
-/// How many records ahead of the one at work a loop in order asks the nearest cache for what it will read.
-inline constexpr std::ptrdiff_t recordsAhead = 16;
-
-/// How many records ahead a loop asks the second-level cache for what lies in order. The processor foresees
-/// that by itself, but only up to the end of a page of 4 kB, which holds a few dozen rows, and has to find
-/// out anew in the next one.
-template <int D>
-inline constexpr std::ptrdiff_t recordsLater = D == 3 ? 96 : 64;
-
-/// The record that is asked for before record i is worked on: none behind `end`.
-template <class Data>
-FLUVANE_FORCE_INLINE std::ptrdiff_t laterThan(std::ptrdiff_t i, std::ptrdiff_t end) {
-    const std::ptrdiff_t later = i + recordsLater<Data::dimensions>;
-    return later < end ? later : end - 1;
-}
-
-/// Whether the records that others name lie in no order: in 3D whole layers of cells apart, and along a
-/// curve, which turns all the time. In a 2D mesh as numbered they are a few rows in order.
-template <class Data>
-FLUVANE_FORCE_INLINE bool jumps(const Data& d) {
-    return Data::dimensions == 3 || d.faceCells;
-}
-
-/// Before record i: asks for the moments and the row of one that comes soon and of one that comes later. Of
-/// records in order a loop reads one line and leaves out the rest.
-template <int Q, class Data, class Record>
-FLUVANE_FORCE_INLINE void prefetchRecord(const StepConstants& c, const Record* records, const double* rows,
-                                         std::ptrdiff_t i, std::ptrdiff_t end) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    const std::ptrdiff_t soon = i + recordsAhead < end ? i + recordsAhead : end - 1;
-    prefetchNumbers(&records[soon].rho, 1);
-    prefetchEighths(rows + soon * q, q);
-    const std::ptrdiff_t later = laterThan<Data>(i, end);
-    prefetchLater(&records[later].rho, 1);
-    prefetchLater(rows + later * q, q);
 }
 
 // ---- moments ----------------------------------------------------------------------------------------------
@@ -305,18 +237,6 @@ FLUVANE_FORCE_INLINE void storeCollided(const CollisionFactors& factors, const R
     ((3.0 * collided + tilde) * 0.25).store(barPlus);
 }
 
-/// Before cell i: asks for what the collision of one distribution reads and writes.
-template <int Q, class Data>
-FLUVANE_FORCE_INLINE void prefetchCollision(const StepConstants& c, const Data& d, const double* tilde,
-                                            const double* plus, const double* bar, std::ptrdiff_t i,
-                                            std::ptrdiff_t end) {
-    prefetchRecord<Q, Data>(c, d.cells, tilde, i, end);
-    const std::ptrdiff_t q = stride<Q>(c);
-    const std::ptrdiff_t later = laterThan<Data>(i, end);
-    prefetchLater(plus + later * q, q);
-    prefetchLater(bar + later * q, q);
-}
-
 /// Cells first .. last - 1 of a share that goes on to `end`.
 template <int Q, class Data>
 void collideFlow(const StepConstants& c, const Data& d, std::int32_t first, std::int32_t last,
@@ -369,30 +289,6 @@ void collideTemperature(const StepConstants& c, const Data& d, std::int32_t firs
 }
 
 // ---- gradients --------------------------------------------------------------------------------------------
-
-/// How many cells ahead of the one at work the rows of neighbours are asked for.
-template <int D>
-inline constexpr std::ptrdiff_t cellsAhead = D == 3 ? 3 : 5;
-
-/// Before cell i: asks for the lists and the gradients of a later one, and for the rows of the neighbours of
-/// one that comes soon, which come by themselves where they lie in order.
-template <int Q, class Data>
-FLUVANE_FORCE_INLINE void prefetchGradients(const StepConstants& c, const Data& d, const double* barPlus,
-                                            const double* gradient, std::ptrdiff_t i, std::ptrdiff_t last) {
-    constexpr int D = Data::dimensions;
-    const std::ptrdiff_t q = stride<Q>(c);
-    const std::ptrdiff_t later = laterThan<Data>(i, last);
-    const std::ptrdiff_t start = d.neighbourStart[later];
-    const std::ptrdiff_t count = d.neighbourStart[later + 1] - start;
-    prefetchLater(&d.neighbours[start], count);
-    prefetchLater(&d.lsq[start].x, D * count);
-    prefetchLater(gradient + D * later * q, D * q);
-    const std::ptrdiff_t soon = i + cellsAhead<D>;
-    if (!jumps(d) || soon >= last)
-        return;
-    for (std::int32_t j = d.neighbourStart[soon]; j < d.neighbourStart[soon + 1]; ++j)
-        prefetchEighths(barPlus + d.neighbours[j] * q, q);
-}
 
 /// Least-squares gradients of one bar distribution, neighbours added in the order they are stored.
 template <int Q, class Data>
@@ -465,82 +361,6 @@ FLUVANE_FORCE_INLINE void reconstructRow(const StepConstants& c, const Data& d,
         }
         value.store(out + k);
     });
-}
-
-/// How many faces ahead of those at work the rows of their cells are asked for: far enough for memory to
-/// answer, near enough for the nearest cache to hold them until they are used.
-template <int D>
-inline constexpr std::ptrdiff_t facesAhead = D == 3 ? 4 : 8;
-
-/// Asks the nearest cache, or the second-level one for what comes later, for what the reconstruction of one
-/// distribution reads of a cell.
-template <int Q, bool comesLater, class Data>
-FLUVANE_FORCE_INLINE void prefetchSide(const StepConstants& c, const Data& d, std::ptrdiff_t cell,
-                                       const double* barPlus, const double* gradient) {
-    constexpr int D = Data::dimensions;
-    const std::ptrdiff_t q = stride<Q>(c);
-    if constexpr (comesLater) {
-        prefetchLater(&d.cells[cell].xc, 1);
-        prefetchLater(barPlus + cell * q, q);
-        prefetchLater(gradient + D * q * cell, D * q);
-    } else {
-        prefetchNumbers(&d.cells[cell].xc, 1);
-        prefetchNumbers(barPlus + cell * q, q);
-        prefetchNumbers(gradient + D * q * cell, D * q);
-    }
-}
-
-/// Asks for what the reconstruction of one distribution on faces first .. first + N - 1, as far as they come
-/// before `last`, reads of their cells, and of a cell that comes later than the second of each. The first
-/// cells come in order; where the others jump, these have left the nearest cache.
-template <int Q, int N, class Data>
-FLUVANE_FORCE_INLINE void prefetchSides(const StepConstants& c, const Data& d, std::ptrdiff_t first,
-                                        std::ptrdiff_t last, const double* barPlus, const double* gradient) {
-    for (std::ptrdiff_t i = first; i < first + N && i < last; ++i) {
-        const auto [c0, c1] = sidesOf(d, d.faces[i]);
-        if (jumps(d))
-            prefetchSide<Q, false>(c, d, c0, barPlus, gradient);
-        prefetchSide<Q, false>(c, d, c1, barPlus, gradient);
-        prefetchSide<Q, true>(c, d, laterThan<Data>(c1, d.cellCount), barPlus, gradient);
-    }
-}
-
-/// Before faces first .. first + N - 1: asks for the records and the rows of later ones.
-template <int Q, int N, class Data>
-FLUVANE_FORCE_INLINE void prefetchFaces(const StepConstants& c, const Data& d, std::ptrdiff_t first,
-                                        std::ptrdiff_t last) {
-    const std::ptrdiff_t q = stride<Q>(c);
-    for (std::ptrdiff_t i = first; i < first + N; ++i) {
-        const std::ptrdiff_t later = laterThan<Data>(i, last);
-        prefetchLater(&d.faces[later].rho, 1);
-        prefetchLater(&d.faces[later].xf, 1);
-        if (c.heatOn())
-            prefetchLater(d.gFace + later * q, q);
-        if (c.flowOn)
-            prefetchLater(d.fFace + later * q, q);
-    }
-}
-
-/// Before heat on faces i .. i + N - 1: the rows of flow on the same faces come while heat is worked on, and
-/// those of heat on later faces while flow is. Asked for together they would drive each other out.
-template <int Q, int N, class Data>
-FLUVANE_FORCE_INLINE void prefetchBeforeHeat(const StepConstants& c, const Data& d, std::ptrdiff_t i,
-                                             std::ptrdiff_t last) {
-    if (c.flowOn)
-        prefetchSides<Q, N>(c, d, i, last, d.fBarPlus, d.gradFBarPlus);
-    else
-        prefetchSides<Q, N>(c, d, i + facesAhead<Data::dimensions>, last, d.gBarPlus, d.gradGBarPlus);
-}
-
-/// Before flow on faces i .. i + N - 1.
-template <int Q, int N, class Data>
-FLUVANE_FORCE_INLINE void prefetchBeforeFlow(const StepConstants& c, const Data& d, std::ptrdiff_t i,
-                                             std::ptrdiff_t last) {
-    const std::ptrdiff_t later = i + facesAhead<Data::dimensions>;
-    if (c.heatOn())
-        prefetchSides<Q, N>(c, d, later, last, d.gBarPlus, d.gradGBarPlus);
-    else
-        prefetchSides<Q, N>(c, d, later, last, d.fBarPlus, d.gradFBarPlus);
 }
 
 /// The distribution at the half step from the bar distribution, in place. Deliberate: the temperature form of
@@ -686,29 +506,6 @@ FLUVANE_FORCE_INLINE void keepVelocity(CellRecord3D& cell) {
     cell.uPrev = cell.u;
     cell.vPrev = cell.v;
     cell.wPrev = cell.w;
-}
-
-/// Before cell i: asks for the record and the rows of a later one and for the rows of two faces behind its
-/// own, as many as a quadrilateral brings along, where all of these lie in order.
-template <int Q, class Data>
-FLUVANE_FORCE_INLINE void prefetchUpdate(const StepConstants& c, const Data& d, std::ptrdiff_t i) {
-    const auto& cell = d.cells[i];
-    if (jumps(d) || cell.faceCount == 0)
-        return;
-    const std::ptrdiff_t q = stride<Q>(c);
-    const std::ptrdiff_t later = laterThan<Data>(i, d.cellCount);
-    const std::ptrdiff_t face = laterThan<Data>(cell.faces[cell.faceCount - 1], d.faceCount);
-    prefetchLater(&d.cells[later].rho, sizeof(cell) / sizeof(double));
-    if (c.flowOn) {
-        prefetchLater(d.fTilde + later * q, q);
-        prefetchLater(d.fTildePlus + later * q, q);
-        prefetchLater(d.fFace + face * q, 2 * q);
-    }
-    if (c.heatOn()) {
-        prefetchLater(d.gTilde + later * q, q);
-        prefetchLater(d.gTildePlus + later * q, q);
-        prefetchLater(d.gFace + face * q, 2 * q);
-    }
 }
 
 /// Cells i .. i + N - 1, flow before heat. `setThermal` turns the sum of a cell's g into its thermal state.

@@ -137,37 +137,6 @@ struct Row<0> {
     FLUVANE_FORCE_INLINE friend Row operator*(double, const Row&) { return {}; }
 };
 
-/// Asks for the lines in which every eighth of `count` numbers lies, which will be needed soon: all lines of
-/// the numbers, or all but the last.
-FLUVANE_FORCE_INLINE void prefetchEighths([[maybe_unused]] const double* p,
-                                          [[maybe_unused]] std::ptrdiff_t count) {
-#if FLUVANE_VECTORS
-    for (std::ptrdiff_t n = 0; n < count; n += 8)
-        __builtin_prefetch(p + n);
-#endif
-}
-
-/// Asks for all lines of `count` numbers.
-FLUVANE_FORCE_INLINE void prefetchNumbers(const double* p, std::ptrdiff_t count) {
-    prefetchEighths(p, count);
-    if (count % 8 != 1)
-        prefetchEighths(p + count - 1, 1);
-}
-
-/// Asks the second-level cache for the lines of `count` numbers that will be needed after a while, with those
-/// before and behind them: a line that only the last of them begins comes with the next.
-template <class Number>
-FLUVANE_FORCE_INLINE void prefetchLater([[maybe_unused]] const Number* p,
-                                        [[maybe_unused]] std::ptrdiff_t count) {
-#if FLUVANE_VECTORS
-    constexpr int secondLevel = 2;
-    constexpr std::ptrdiff_t line = 64 / sizeof(Number);
-    __builtin_prefetch(p, 0, secondLevel);
-    for (std::ptrdiff_t n = line; n + 1 < count; n += line)
-        __builtin_prefetch(p + n, 0, secondLevel);
-#endif
-}
-
 /// Calls body(i, n) for groups of n = 4 records, with n as a compile-time constant, and for the last ones one
 /// by one: records of a group have nothing to wait for in each other.
 template <class Body>
