@@ -111,8 +111,10 @@ FLUVANE_FORCE_INLINE void prefetchGradients(const StepConstants& c, const Data& 
     const std::ptrdiff_t later = laterThan<Data>(i, last);
     const std::ptrdiff_t start = d.neighbourStart[later];
     const std::ptrdiff_t count = d.neighbourStart[later + 1] - start;
-    prefetchLater(&d.neighbours[start], count);
-    prefetchLater(&d.lsq[start].x, D * count);
+    if (count > 0) {
+        prefetchLater(d.neighbours + start, count);
+        prefetchLater(&d.lsq[start].x, D * count);
+    }
     prefetchLater(gradient + D * later * q, D * q);
     const std::ptrdiff_t soon = i + cellsAhead<D>;
     if (!jumps(d) || soon >= last)
