@@ -212,7 +212,7 @@ FLUVANE_FORCE_INLINE void prefetchUpdate(const StepConstants& c, const Data& d, 
         return;
     const std::ptrdiff_t q = stride<Q>(c);
     const std::ptrdiff_t later = laterThan<Data>(i, d.cellCount);
-    const std::ptrdiff_t face = laterThan<Data>(cell.faces[cell.faceCount - 1], d.faceCount);
+    const std::ptrdiff_t face = laterThan<Data>(facesOf(d, cell)[cell.faceCount - 1], d.faceCount);
     prefetchLater(&d.cells[later].rho, sizeof(cell) / sizeof(double));
     if (c.flowOn) {
         prefetchLater(d.fTilde + later * q, q);
