@@ -48,8 +48,8 @@ FLUVANE_FORCE_INLINE void prefetchLater([[maybe_unused]] const Number* p,
 inline constexpr std::ptrdiff_t recordsAhead = 16;
 
 /// How many records ahead a loop asks the second-level cache for what lies in order. The processor foresees
-/// that by itself, but only up to the end of a page of 4 kB, which holds a few dozen rows, and has to find
-/// out anew in the next one.
+/// that by itself, but as a rule only up to the end of a page of 4 kB, which holds a few dozen rows.
+/// Distances of 32 to 128 records do about as well in 2D; shorter ones do worse in 3D.
 template <int D>
 inline constexpr std::ptrdiff_t recordsLater = D == 3 ? 96 : 64;
 
