@@ -46,36 +46,56 @@ public:
         last = step;
     }
     std::int64_t missed() const { return m_missed; }
+    /// Misses a step.
+    double missesIn(std::int64_t steps) const {
+        return static_cast<double>(m_missed) / static_cast<double>(std::max<std::int64_t>(steps, 1));
+    }
 
 private:
     std::vector<std::int32_t> m_last;
     std::int64_t m_missed = 0;
 };
 
-/// The share of steps, over cells and their neighbours, at which the walk through the cells as numbered
-/// meets something that was not touched lately.
+/// Takes the steps of a walk through `count` things, of a long walk one span in eight: enough to tell rows
+/// from shuffled cells. Returns how many steps were taken.
+template <class Step>
+std::int64_t sampleWalk(std::int64_t count, const Step& step) {
+    constexpr std::int64_t span = 4096;
+    const std::int64_t stride = count > 16 * span ? 8 * span : span;
+    std::int64_t taken = 0;
+    for (std::int64_t first = 0; first < count; first += stride) {
+        const std::int64_t last = std::min(first + span, count);
+        for (std::int64_t i = first; i < last; ++i)
+            step(static_cast<std::int32_t>(i));
+        taken += last - first;
+    }
+    return taken;
+}
+
+/// How often a step, over cells and their neighbours, of the walk through the cells as numbered meets
+/// something that was not touched lately.
 template <class Records>
 double missesOfCells(const CellTable<Records>& cells) {
     const auto count = static_cast<std::int32_t>(cells.size());
     TouchCounter counter(count);
-    for (std::int32_t c = 0; c < count; ++c) {
+    const std::int64_t steps = sampleWalk(count, [&](std::int32_t c) {
         counter.touch(c, c);
         for (const std::int32_t other : cells[static_cast<std::size_t>(c)].cellsAcross())
             if (other != -1)
                 counter.touch(other, c);
-    }
-    return static_cast<double>(counter.missed()) / std::max(count, 1);
+    });
+    return counter.missesIn(steps);
 }
 
 /// The same for the walk through the interior faces and their cells.
 template <class Links>
 double missesOfFaces(const HugeArray<Links>& faces, std::int32_t cells) {
     TouchCounter counter(cells);
-    for (std::int32_t i = 0; i < mesh.interiorFaceCount; ++i) {
+    const std::int64_t steps = sampleWalk(mesh.interiorFaceCount, [&](std::int32_t i) {
         counter.touch(faces[static_cast<std::size_t>(i)].c0, i);
         counter.touch(faces[static_cast<std::size_t>(i)].c1, i);
-    }
-    return static_cast<double>(counter.missed()) / std::max(mesh.interiorFaceCount, 1);
+    });
+    return counter.missesIn(steps);
 }
 
 /// Interior faces in the order in which the cells, as they lie, have them; boundary faces at their numbers.

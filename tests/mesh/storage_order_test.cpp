@@ -290,6 +290,16 @@ TEST_F(StorageOrderTest, SmallMeshesFitTheCacheInAnyOrder) {
     EXPECT_TRUE(mesh.cells2D.order().asNumbered());
 }
 
+TEST_F(StorageOrderTest, LargeMeshesAreJudgedBySpans) {
+    support::PlaneCells plane = support::rectangles(300, 300);
+    makePlane(plane);
+    EXPECT_TRUE(mesh.cells2D.order().asNumbered());
+    EXPECT_TRUE(mesh.faces2D.order().asNumbered());
+    support::shuffleCells(plane, 1);
+    makePlane(plane);
+    EXPECT_FALSE(mesh.cells2D.order().asNumbered());
+}
+
 TEST_F(StorageOrderTest, FacesAloneMayBeOrdered) {
     support::PlaneCells plane = support::rectangles(150, 100);
     makePlane(plane);
@@ -374,6 +384,25 @@ TEST_F(StorageOrderTest, CentresOnOneSpotOrLineAreNoTrouble) {
     std::vector<std::int32_t> slots = order.slotOf;
     std::sort(slots.begin(), slots.end());
     EXPECT_EQ(slots, (std::vector<std::int32_t>{0, 1, 2, 3}));
+}
+
+TEST_F(StorageOrderTest, AShortWalkIsTakenWholeALongOneInSpans) {
+    for (const std::int64_t count : {0, 1, 5000, 65536, 65537, 1000000}) {
+        std::vector<std::int32_t> steps;
+        const std::int64_t taken = sampleWalk(count, [&](std::int32_t i) { steps.push_back(i); });
+        EXPECT_EQ(taken, static_cast<std::int64_t>(steps.size()));
+        EXPECT_TRUE(std::is_sorted(steps.begin(), steps.end()));
+        EXPECT_EQ(std::adjacent_find(steps.begin(), steps.end()), steps.end());
+        if (count <= 65536)
+            EXPECT_EQ(taken, count);
+        else
+            EXPECT_NEAR(static_cast<double>(taken), static_cast<double>(count) / 8.0, 4096.0);
+        if (count > 0) {
+            EXPECT_EQ(steps.front(), 0);
+            EXPECT_LT(steps.back(), count);
+            EXPECT_GE(steps.back(), count - 8 * 4096);
+        }
+    }
 }
 
 TEST_F(StorageOrderTest, TouchesLastForAWhileAndForThingsClose) {
