@@ -1,6 +1,7 @@
 // Cells and their neighbours from the faces of a mesh: what the geometry passes of both dimensions share.
 #pragma once
 
+#include "mesh/force_inline.h"
 #include "mesh/mesh.h"
 
 #include <QString>
@@ -8,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <omp.h>
@@ -96,8 +98,8 @@ struct Records2D {
         const Face& f = face(i);
         return {{f.n0, f.n1}, f.c0, f.c1};
     }
-    static void allocateNeighbours(std::vector<std::int32_t> start) {
-        mesh.allocateNeighbours2D(std::move(start));
+    static void setNeighbours(std::vector<std::int32_t> start, HugeArray<std::int32_t> list) {
+        mesh.setNeighbours2D(std::move(start), std::move(list));
     }
 };
 
@@ -122,8 +124,8 @@ struct Records3D {
         const Face& f = face(i);
         return {f.nodes, f.c0, f.c1, f.nodeCount};
     }
-    static void allocateNeighbours(std::vector<std::int32_t> start) {
-        mesh.allocateNeighbours3D(std::move(start));
+    static void setNeighbours(std::vector<std::int32_t> start, HugeArray<std::int32_t> list) {
+        mesh.setNeighbours3D(std::move(start), std::move(list));
     }
 };
 
@@ -238,14 +240,17 @@ bool attachFace(Links& cell, std::int32_t face, std::int32_t other) {
 }
 
 template <class Links>
-bool attachNodes(Links& cell, std::span<const std::int32_t> nodes) {
+FLUVANE_FORCE_INLINE bool attachNodes(Links& cell, std::span<const std::int32_t> nodes) {
     for (const std::int32_t node : nodes) {
-        const auto end = cell.nodes.begin() + cell.nodeCount;
-        if (std::find(cell.nodes.begin(), end, node) != end)
+        const auto count = static_cast<std::size_t>(cell.nodeCount);
+        bool known = false;
+        for (std::size_t k = 0; k < count; ++k)
+            known |= cell.nodes[k] == node;
+        if (known)
             continue;
-        if (end == cell.nodes.end())
+        if (count == cell.nodes.size())
             return false;
-        *end = node;
+        cell.nodes[count] = node;
         ++cell.nodeCount;
     }
     return true;
@@ -341,8 +346,8 @@ std::int32_t collectNeighbours(const CellTable<Records>& cells, std::int32_t c,
 /// From the counts behind the first entry to offsets.
 void addUp(std::vector<std::int32_t>& start);
 
-/// Makes and fills the compact neighbour lists, for the cells as they lie. Refuses a cell with too many
-/// neighbours; in 2D no cell can have too many.
+/// Makes the compact neighbour lists, for the cells as they lie, and room for their weights. Refuses a cell
+/// with too many neighbours; in 2D no cell can have too many.
 template <class Records>
 bool buildNeighbourLists(const CellTable<Records>& cells) {
     constexpr std::int32_t most = Records::Cell::maxNeighbours;
@@ -350,7 +355,10 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
     const int shares = omp_get_max_threads();
     const StorageOrder& order = Records::cells().order();
     // Each share is written without gaps; what it leaves of its room is never touched.
-    HugeArray<std::int32_t> staged(cells.size() * most);
+    HugeArray<std::int32_t> lists(cells.size() * most);
+    const auto roomOf = [&lists, count, shares](int t) {
+        return lists.data() + std::ptrdiff_t{Share(count, t, shares).first} * most;
+    };
     std::vector<std::int32_t> start(cells.size() + 1);
     std::vector<HugeArray<std::int32_t>> seenFrom(static_cast<std::size_t>(shares));
     for (auto& seen : seenFrom)
@@ -359,7 +367,7 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
 #pragma omp parallel for schedule(static) reduction(min : firstCrowded)
     for (int t = 0; t < shares; ++t) {
         const Share share(count, t, shares);
-        std::int32_t* end = staged.data() + std::ptrdiff_t{share.first} * most;
+        std::int32_t* end = roomOf(t);
         for (std::int32_t slot = share.first; slot < share.last; ++slot) {
             const auto c = static_cast<std::int32_t>(order.number(static_cast<std::size_t>(slot)));
             Rings<Records> list;
@@ -377,22 +385,24 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
                               .arg(most)
                               .arg(start[order.slot(static_cast<std::size_t>(firstCrowded)) + 1]));
     addUp(start);
-    Records::allocateNeighbours(std::move(start));
-#pragma omp parallel for schedule(static)
-    for (int t = 0; t < shares; ++t) {
+    for (int t = 1; t < shares; ++t) {
         const Share share(count, t, shares);
-        const std::int32_t first = mesh.neighbourStart[static_cast<std::size_t>(share.first)];
-        const std::int32_t last = mesh.neighbourStart[static_cast<std::size_t>(share.last)];
-        std::copy_n(staged.data() + std::ptrdiff_t{share.first} * most, last - first,
-                    mesh.neighbourList.data() + first);
+        const auto first = static_cast<std::size_t>(start[static_cast<std::size_t>(share.first)]);
+        const auto last = static_cast<std::size_t>(start[static_cast<std::size_t>(share.last)]);
+        std::memmove(lists.data() + first, roomOf(t), (last - first) * sizeof(std::int32_t));
     }
+    lists.shrink(static_cast<std::size_t>(start.back()));
+    Records::setNeighbours(std::move(start), std::move(lists));
     return true;
 }
 
-/// Copies what the faces gave to a cell into its record; indices that it has not stay -1.
+/// Copies what the faces gave to a cell into its record, and how many neighbours the lists hold for its slot.
+/// Indices that it has not stay -1.
 template <class Links, class Cell>
-void fillConnections(const Links& links, Cell& cell) {
+void fillConnections(const Links& links, std::int32_t slot, Cell& cell) {
     using Count = decltype(cell.faceCount);
+    const std::int32_t* const start = &mesh.neighbourStart[static_cast<std::size_t>(slot)];
+    cell.neighbourCount = start[1] - start[0];
     cell.faceCount = static_cast<Count>(links.faceCount);
     cell.nodeCount = static_cast<Count>(links.nodeCount);
     std::fill(std::copy_n(links.faces.begin(), links.faceCount, cell.faces.begin()), cell.faces.end(), -1);

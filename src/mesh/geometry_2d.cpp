@@ -3,6 +3,7 @@
 
 #include "mesh/cell_graph.h"
 #include "mesh/mesh.h"
+#include "mesh/prefetch_bytes.h"
 #include "mesh/storage_order.h"
 
 #include <algorithm>
@@ -90,7 +91,7 @@ void sortByAngle(std::span<std::int32_t> nodes, std::array<double, 4>& angle) {
 }
 
 /// Sorts the nodes clockwise: by descending angle. Where rough angles keep clear of each other, the true ones
-/// have the same order.
+/// have the same order, and a node's place is the number of angles above its own.
 void orderNodes(std::span<std::int32_t> nodes, const Vec2& centre) {
     constexpr double clear = 1e-5; // far above the truncation of 2 pi and the rounding of acos
     std::array<Vec2, 4> d;
@@ -100,12 +101,24 @@ void orderNodes(std::span<std::int32_t> nodes, const Vec2& centre) {
         angle[k] = roughAngle(d[k]);
     }
     bool apart = true;
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-        for (std::size_t j = i + 1; j < nodes.size(); ++j)
-            apart = apart && std::abs(angle[i] - angle[j]) > clear;
-    if (!apart)
+    std::array<std::size_t, 4> place{};
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        for (std::size_t j = i + 1; j < nodes.size(); ++j) {
+            apart &= std::abs(angle[i] - angle[j]) > clear;
+            const bool below = angle[i] < angle[j];
+            place[i] += below;
+            place[j] += !below;
+        }
+    }
+    if (apart) {
+        std::array<std::int32_t, 4> ordered{};
         for (std::size_t k = 0; k < nodes.size(); ++k)
-            angle[k] = nodeAngle(d[k]);
+            ordered[place[k]] = nodes[k];
+        std::copy_n(ordered.begin(), nodes.size(), nodes.begin());
+        return;
+    }
+    for (std::size_t k = 0; k < nodes.size(); ++k)
+        angle[k] = nodeAngle(d[k]);
     sortByAngle(nodes, angle);
 }
 
@@ -197,7 +210,6 @@ bool setWeights(const Vec2& centre, std::span<const std::int32_t> neighbours, co
 
 /// Fills a cell's record but for its weights.
 void shapeCell(CellRecord& cell, std::int32_t c, const Links& links, const Faces& faces, const Vec2& centre) {
-    fillConnections(links, cell);
     const std::span<std::int32_t> nodes(cell.nodes.data(), static_cast<std::size_t>(links.nodeCount));
     cell.xc = centre.x;
     cell.yc = centre.y;
@@ -207,14 +219,30 @@ void shapeCell(CellRecord& cell, std::int32_t c, const Links& links, const Faces
     finishFaces(cell, c, links, faces);
 }
 
+/// Asks for the face records that finishFaces() will fill.
+FLUVANE_FORCE_INLINE void prefetchFaces(const Links& links, std::int32_t c, const Faces& faces) {
+    for (std::size_t k = 0; k < static_cast<std::size_t>(links.faceCount); ++k) {
+        const auto i = static_cast<std::size_t>(links.faces[k]);
+        if (faces[i].c0 == c)
+            prefetchBytes(&mesh.faces2D[i], sizeof(FaceRecord));
+    }
+}
+
 void shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) {
+    constexpr std::int32_t ahead = 16;
+    const StorageOrder& order = mesh.cells2D.order();
     FlawedCells singular;
     FlawedCells open;
 #pragma omp parallel for schedule(static) reduction(addFlaws : singular, open)
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
-        const std::size_t i = mesh.cells2D.order().number(static_cast<std::size_t>(slot));
+        if (const std::int32_t soon = slot + ahead; soon < mesh.cellCount) {
+            const std::size_t s = order.number(static_cast<std::size_t>(soon));
+            prefetchFaces(cells[s], static_cast<std::int32_t>(s), faces);
+        }
+        const std::size_t i = order.number(static_cast<std::size_t>(slot));
         const auto c = static_cast<std::int32_t>(i);
         CellRecord& cell = mesh.cells2D.data()[slot];
+        fillConnections(cells[i], slot, cell);
         shapeCell(cell, c, cells[i], faces, centres[i]);
         const std::span<const std::int32_t> neighbours(cell.neighbours.data(),
                                                        static_cast<std::size_t>(cell.neighbourCount));

@@ -3,10 +3,12 @@
 
 #include "mesh/cell_graph.h"
 #include "mesh/mesh.h"
+#include "mesh/prefetch_bytes.h"
 #include "mesh/storage_order.h"
 
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <span>
 
 namespace fluvane {
@@ -126,15 +128,13 @@ bool setVolume(CellRecord3D& cell) {
     return product > rounding * (lengthOf(a) * lengthOf(b) * lengthOf(c));
 }
 
-/// Asks for what collectFaces() will read of the faces of a cell.
-void prefetchFaces([[maybe_unused]] const Links& links) {
-#if defined(__GNUC__) || defined(__clang__)
+/// Asks for the record of a cell and for what collectFaces() will read of its faces.
+FLUVANE_FORCE_INLINE void prefetchCell(const CellRecord3D& cell, const Links& links) {
+    prefetchBytes(&cell, sizeof cell);
     for (std::size_t k = 0; k < static_cast<std::size_t>(links.faceCount); ++k) {
         const FaceRecord3D& face = faceAt(links.faces[k]);
-        __builtin_prefetch(&face.n0x);
-        __builtin_prefetch(&face.n1x);
+        prefetchBytes(&face.xf, sizeof face - offsetof(FaceRecord3D, xf));
     }
-#endif
 }
 
 /// Copies the outward normals and the areas of the cell's faces. Whether these are the four sides of a
@@ -222,7 +222,7 @@ bool setWeights(CellRecord3D& cell, const Vec3& centre, const Centres& centres) 
 
 /// Fills the cells' records and weights. False, with one problem line, when cells are no tetrahedra.
 bool shapeCells(const Cells& cells, const Centres& centres) {
-    constexpr std::int32_t ahead = 6;
+    constexpr std::int32_t ahead = 12;
     const StorageOrder& order = mesh.cells3D.order();
     FlawedCells otherShapes;
     FlawedCells flat;
@@ -230,11 +230,11 @@ bool shapeCells(const Cells& cells, const Centres& centres) {
 #pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, flat, singular)
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
         if (const std::int32_t soon = slot + ahead; soon < mesh.cellCount)
-            prefetchFaces(cells[order.number(static_cast<std::size_t>(soon))]);
+            prefetchCell(mesh.cells3D.data()[soon], cells[order.number(static_cast<std::size_t>(soon))]);
         const std::size_t i = order.number(static_cast<std::size_t>(slot));
         const auto c = static_cast<std::int32_t>(i);
         CellRecord3D& cell = mesh.cells3D.data()[slot];
-        fillConnections(cells[i], cell);
+        fillConnections(cells[i], slot, cell);
         cell.xc = centres[i].x;
         cell.yc = centres[i].y;
         cell.zc = centres[i].z;

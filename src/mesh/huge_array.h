@@ -53,6 +53,15 @@ public:
         giveBack();
     }
 
+    /// Keeps the first `size` elements. Whole huge pages behind them go back to the system.
+    void shrink(std::size_t size) {
+        if (size >= m_size)
+            return;
+        std::destroy_n(m_data + size, m_size - size);
+        m_size = size;
+        giveBackTail();
+    }
+
     T& operator[](std::size_t i) { return m_data[i]; }
     const T& operator[](std::size_t i) const { return m_data[i]; }
     T* data() { return m_data; }
@@ -71,6 +80,7 @@ private:
         std::swap(m_data, other.m_data);
         std::swap(m_size, other.m_size);
         std::swap(m_block, other.m_block);
+        std::swap(m_mapped, other.m_mapped);
     }
 
     template <class Maker>
@@ -89,40 +99,47 @@ private:
             return;
         if (m_size > SIZE_MAX / 2 / sizeof(T))
             throw std::bad_alloc();
-        const std::size_t alignment = isMapped() ? hugePage : std::size_t{64};
+        const bool mapped = canMap && bytes() >= hugePage;
+        const std::size_t alignment = mapped ? hugePage : std::size_t{64};
         std::size_t space = bytes() + alignment;
-        m_block = takeCleared(space);
+        m_block = takeCleared(space, mapped);
+        m_mapped = mapped ? space : 0;
         void* first = m_block;
         m_data = static_cast<T*>(std::align(alignment, bytes(), first, space));
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
-        if (isMapped())
+        if (mapped)
             madvise(m_data, bytes() / hugePage * hugePage, MADV_HUGEPAGE);
 #endif
     }
 
 #if defined(__linux__)
-    bool isMapped() const {
-        return bytes() >= hugePage;
-    }
-    void* takeCleared(std::size_t space) const {
+    static constexpr bool canMap = true;
+    static void* takeCleared(std::size_t space, bool mapped) {
         void* const block =
-            isMapped() ? mmap(nullptr, space, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
-                       : std::calloc(space, 1);
+            mapped ? mmap(nullptr, space, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
+                   : std::calloc(space, 1);
         if (block == MAP_FAILED || !block)
             throw std::bad_alloc();
         return block;
     }
     void giveBack() const {
-        if (isMapped())
-            munmap(m_block, bytes() + hugePage);
+        if (m_mapped > 0)
+            munmap(m_block, m_mapped);
         else
             std::free(m_block);
     }
-#else
-    bool isMapped() const {
-        return false;
+    void giveBackTail() {
+        if (m_mapped == 0)
+            return;
+        const auto first =
+            static_cast<std::size_t>(reinterpret_cast<char*>(m_data) - static_cast<char*>(m_block));
+        const std::size_t kept = first + (bytes() + hugePage - 1) / hugePage * hugePage;
+        if (kept < m_mapped && munmap(static_cast<char*>(m_block) + kept, m_mapped - kept) == 0)
+            m_mapped = kept;
     }
-    void* takeCleared(std::size_t space) const {
+#else
+    static constexpr bool canMap = false;
+    static void* takeCleared(std::size_t space, bool) {
         void* const block = std::calloc(space, 1);
         if (!block)
             throw std::bad_alloc();
@@ -131,10 +148,12 @@ private:
     void giveBack() const {
         std::free(m_block);
     }
+    void giveBackTail() {}
 #endif
 
     static constexpr std::size_t hugePage = std::size_t{2} << 20;
-    void* m_block = nullptr; ///< what the allocator gave; m_data is its first aligned address
+    void* m_block = nullptr;  ///< what the allocator gave; m_data is its first aligned address
+    std::size_t m_mapped = 0; ///< bytes of the block that are mapped by themselves, 0 for one from the heap
     T* m_data = nullptr;
     std::size_t m_size = 0;
 };

@@ -35,20 +35,6 @@ RecordTable<Cell> cellsOf(std::int32_t count, StorageOrder order, std::size_t di
     return RecordTable<Cell>(n, std::move(order));
 }
 
-template <class Cell, class Weight>
-void makeNeighbourLists(const std::vector<std::int32_t>& start, RecordTable<Cell>& cells,
-                        HugeArray<std::int32_t>& neighbours, HugeArray<Weight>& weights) {
-    const auto total = static_cast<std::size_t>(start.empty() ? 0 : start.back());
-    neighbours = HugeArray<std::int32_t>(total);
-    weights = HugeArray<Weight>(total);
-    const auto count = static_cast<std::ptrdiff_t>(start.size()) - 1;
-#pragma omp parallel for schedule(static)
-    for (std::ptrdiff_t i = 0; i < count; ++i) {
-        const auto slot = static_cast<std::size_t>(i);
-        cells.data()[slot].neighbourCount = start[slot + 1] - start[slot];
-    }
-}
-
 /// The area vector that the second cell of a face keeps for it.
 Vec2 secondAreaVector(const void* part) {
     const std::size_t slot = mesh.faces2D.slotOf(part);
@@ -132,14 +118,16 @@ void Mesh::allocateCells3D(std::int32_t count, StorageOrder order) {
     cells3D = cellsOf<CellRecord3D>(count, std::move(order), 3, cellPools);
 }
 
-void Mesh::allocateNeighbours2D(std::vector<std::int32_t> start) {
+void Mesh::setNeighbours2D(std::vector<std::int32_t> start, HugeArray<std::int32_t> list) {
     neighbourStart = std::move(start);
-    makeNeighbourLists(neighbourStart, cells2D, neighbourList, lsqList2D);
+    neighbourList = std::move(list);
+    lsqList2D = HugeArray<Vec2>(neighbourList.size());
 }
 
-void Mesh::allocateNeighbours3D(std::vector<std::int32_t> start) {
+void Mesh::setNeighbours3D(std::vector<std::int32_t> start, HugeArray<std::int32_t> list) {
     neighbourStart = std::move(start);
-    makeNeighbourLists(neighbourStart, cells3D, neighbourList, lsqList3D);
+    neighbourList = std::move(list);
+    lsqList3D = HugeArray<Vec3>(neighbourList.size());
 }
 
 } // namespace fluvane

@@ -75,14 +75,15 @@ public:
     /// Creates `count` cell records, stored in the given order, and sets cellCount.
     void allocateCells2D(std::int32_t count, StorageOrder order = {});
 
-    /// Creates the compact neighbour and weight lists of which the records hold slices. `start` holds
-    /// cellCount + 1 ascending offsets. The lists are zero until they are filled.
-    void allocateNeighbours2D(std::vector<std::int32_t> start);
+    /// Takes the compact neighbour list, of which the records hold slices, and creates that of the weights,
+    /// which are zero. `start` holds cellCount + 1 ascending offsets, the last of which is the length of the
+    /// list.
+    void setNeighbours2D(std::vector<std::int32_t> start, HugeArray<std::int32_t> list);
 
     /// The same for the records of a 3D mesh.
     void allocateFaces3D(std::int32_t count);
     void allocateCells3D(std::int32_t count, StorageOrder order = {});
-    void allocateNeighbours3D(std::vector<std::int32_t> start);
+    void setNeighbours3D(std::vector<std::int32_t> start, HugeArray<std::int32_t> list);
 
     /// False when another velocity set was read after the mesh: the records' arrays have another size.
     bool matchesVelocitySet() const;

@@ -1,7 +1,7 @@
 // The enthalpy relation as a value: the constants of one step, no process-wide state.
 #pragma once
 
-#include "solver2d/force_inline.h"
+#include "mesh/force_inline.h"
 
 namespace fluvane {
 

@@ -1,7 +1,7 @@
 // The one equilibrium polynomial of all distributions, for two and three components, one velocity or a row.
 #pragma once
 
-#include "solver2d/force_inline.h"
+#include "mesh/force_inline.h"
 
 namespace fluvane {
 

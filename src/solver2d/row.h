@@ -1,7 +1,7 @@
 // A row of per-velocity numbers in vector registers, as wide as the instruction set it is compiled for.
 #pragma once
 
-#include "solver2d/force_inline.h"
+#include "mesh/force_inline.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -61,7 +61,46 @@ TEST(HugeArrayTest, MovingLeavesTheSourceEmptyAndFreesTheTarget) {
     EXPECT_EQ(b.begin(), b.end());
 }
 
+TEST(HugeArrayTest, ShrinkingKeepsTheFirstElementsAndDestroysTheOthers) {
+    HugeArray<Counted> array(10);
+    array[2].value = 5;
+    array.shrink(3);
+    EXPECT_EQ(Counted::alive, 3);
+    EXPECT_EQ(array.size(), 3U);
+    EXPECT_EQ(array[2].value, 5);
+    EXPECT_EQ(array.end() - array.begin(), 3);
+    array.shrink(4);
+    EXPECT_EQ(array.size(), 3U);
+    array.shrink(0);
+    EXPECT_EQ(Counted::alive, 0);
+    EXPECT_TRUE(array.empty());
+}
+
 #if defined(__linux__)
+TEST(HugeArrayTest, ShrinkingGivesMappedMemoryBack) {
+    constexpr std::size_t size = std::size_t{8} << 20;
+    const auto mappedPages = [] {
+        std::ifstream file("/proc/self/statm");
+        long mapped = 0;
+        file >> mapped;
+        return mapped;
+    };
+    const long before = mappedPages();
+    HugeArray<double> array(size);
+    array[1000] = 2.5;
+    const long full = mappedPages();
+    EXPECT_GE(full - before, 16000);
+    array.shrink(size / 4);
+    EXPECT_LT(mappedPages() - before, (full - before) / 3);
+    EXPECT_EQ(array[1000], 2.5);
+    EXPECT_EQ(array[size / 4 - 1], 0.0);
+    array.shrink(10); // less than is mapped by itself
+    EXPECT_EQ(array[9], 0.0);
+    HugeArray<double> other = std::move(array);
+    other = HugeArray<double>();
+    EXPECT_LE(mappedPages() - before, 64);
+}
+
 TEST(HugeArrayTest, WhatNobodyTouchesTakesNoMemoryAlsoTheNextTime) {
     constexpr std::size_t size = std::size_t{2} << 20;
     const auto residentPages = [] {

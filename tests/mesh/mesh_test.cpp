@@ -61,13 +61,12 @@ TEST_F(MeshTest, RecordsWithoutAVelocitySetHaveEmptySlices) {
 
 TEST_F(MeshTest, NeighbourSlicesFollowTheOffsets) {
     mesh.allocateCells2D(3);
-    mesh.allocateNeighbours2D({0, 2, 2, 5});
-    EXPECT_EQ(mesh.cells2D[0].neighbourCount, 2);
-    EXPECT_EQ(mesh.cells2D[1].neighbourCount, 0);
-    EXPECT_EQ(mesh.cells2D[2].neighbourCount, 3);
+    mesh.setNeighbours2D({0, 2, 2, 5}, HugeArray<std::int32_t>(5));
+    EXPECT_EQ(mesh.cells2D[1].neighbours, mesh.neighbourList.data() + 2);
     EXPECT_EQ(mesh.cells2D[2].neighbours, mesh.neighbourList.data() + 2);
     EXPECT_EQ(mesh.cells2D[2].lsq, mesh.lsqList2D.data() + 2);
-    EXPECT_EQ(mesh.neighbourList.size(), 5U);
+    EXPECT_EQ(mesh.lsqList2D.size(), 5U);
+    EXPECT_EQ(mesh.lsqList2D[4].x, 0.0);
 }
 
 TEST_F(MeshTest, ACellOfQuadrilateralsTakesAtMost1760Bytes) {

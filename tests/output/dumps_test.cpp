@@ -66,7 +66,9 @@ TEST_F(Dumps, PointsOf3DHaveTheirThirdCoordinate) {
 
 TEST_F(Dumps, CellsOf2DListNeighboursAndWeights) {
     makeSmallMesh();
-    mesh.allocateNeighbours2D({0, 2, 3});
+    mesh.setNeighbours2D({0, 2, 3}, HugeArray<std::int32_t>(3));
+    mesh.cells2D[0].neighbourCount = 2;
+    mesh.cells2D[1].neighbourCount = 1;
     mesh.cells2D[0].neighbours[0] = 1;
     mesh.cells2D[0].lsq[0] = {-1.0 / 3.0, 0.5};
     mesh.cells2D[0].neighbours[1] = 7;

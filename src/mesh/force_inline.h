@@ -1,4 +1,4 @@
-// The macro that keeps kernel helpers inside the kernel that calls them.
+// The macros that keep helpers inside the function that calls them.
 #pragma once
 
 // The kernels are compiled once per instruction set. A helper that was not inlined would be one shared
