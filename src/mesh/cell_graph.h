@@ -3,6 +3,7 @@
 
 #include "mesh/force_inline.h"
 #include "mesh/mesh.h"
+#include "mesh/prefetch_bytes.h"
 
 #include <QString>
 #include <algorithm>
@@ -133,6 +134,15 @@ template <class Records>
 using FaceTable = HugeArray<typename Records::FaceLinks>;
 template <class Records>
 using CellTable = HugeArray<typename Records::Links>;
+
+/// Asks for an element that is worked on some steps after the one in a slot, where a walk by slots jumps.
+template <class T>
+FLUVANE_FORCE_INLINE void prefetchAhead(const HugeArray<T>& elements, const StorageOrder& order,
+                                        std::size_t slot) {
+    constexpr std::size_t ahead = 24;
+    if (!order.asNumbered() && slot + ahead < elements.size())
+        prefetchBytes(&elements[order.number(slot + ahead)], sizeof(T));
+}
 
 /// "line 12, cell 3", numbers as in the file.
 QString placeOf(std::int32_t face, std::int32_t cell);
@@ -274,9 +284,16 @@ inline constexpr std::int64_t noCrowding = std::numeric_limits<std::int64_t>::ma
 /// second cell does, then the nodes.
 template <class Records>
 std::int64_t connectShare(const FaceTable<Records>& faces, CellTable<Records>& cells, const Share& share) {
+    constexpr std::int32_t ahead = 16;
     const auto isOurs = [&share](std::int32_t c) { return c >= share.first && c < share.last; };
     const auto F = static_cast<std::int32_t>(faces.size());
     for (std::int32_t i = 0; i < F; ++i) {
+        if (const std::int32_t soon = i + ahead; soon < F) {
+            const auto& next = faces[static_cast<std::size_t>(soon)];
+            prefetchBytes(&cells[static_cast<std::size_t>(next.c0)], sizeof(typename Records::Links));
+            if (next.c1 != -1)
+                prefetchBytes(&cells[static_cast<std::size_t>(next.c1)], sizeof(typename Records::Links));
+        }
         const auto& face = faces[static_cast<std::size_t>(i)];
         const bool takesFirst = isOurs(face.c0);
         const bool takesSecond = i < mesh.interiorFaceCount && isOurs(face.c1);
@@ -370,6 +387,7 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
         std::int32_t* end = roomOf(t);
         for (std::int32_t slot = share.first; slot < share.last; ++slot) {
             const auto c = static_cast<std::int32_t>(order.number(static_cast<std::size_t>(slot)));
+            prefetchAhead(cells, order, static_cast<std::size_t>(slot));
             Rings<Records> list;
             const std::int32_t found =
                 collectNeighbours<Records>(cells, c, seenFrom[static_cast<std::size_t>(t)], list);
@@ -394,6 +412,13 @@ bool buildNeighbourLists(const CellTable<Records>& cells) {
     lists.shrink(static_cast<std::size_t>(start.back()));
     Records::setNeighbours(std::move(start), std::move(lists));
     return true;
+}
+
+/// Where the neighbours of the cell in a slot lie.
+inline std::span<const std::int32_t> neighbourSlotsOf(std::int32_t slot) {
+    const std::int32_t* const start = &mesh.neighbourStart[static_cast<std::size_t>(slot)];
+    const auto& slots = mesh.neighbourSlots.empty() ? mesh.neighbourList : mesh.neighbourSlots;
+    return {slots.data() + start[0], slots.data() + start[1]};
 }
 
 /// Copies what the faces gave to a cell into its record, and how many neighbours the lists hold for its slot.

@@ -239,14 +239,14 @@ void shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) 
             const std::size_t s = order.number(static_cast<std::size_t>(soon));
             prefetchFaces(cells[s], static_cast<std::int32_t>(s), faces);
         }
+        prefetchAhead(cells, order, static_cast<std::size_t>(slot));
         const std::size_t i = order.number(static_cast<std::size_t>(slot));
         const auto c = static_cast<std::int32_t>(i);
         CellRecord& cell = mesh.cells2D.data()[slot];
         fillConnections(cells[i], slot, cell);
-        shapeCell(cell, c, cells[i], faces, centres[i]);
-        const std::span<const std::int32_t> neighbours(cell.neighbours.data(),
-                                                       static_cast<std::size_t>(cell.neighbourCount));
-        if (!setWeights(centres[i], neighbours, centres, cell.lsq))
+        const Vec2& centre = centres[static_cast<std::size_t>(slot)];
+        shapeCell(cell, c, cells[i], faces, centre);
+        if (!setWeights(centre, neighbourSlotsOf(slot), centres, cell.lsq))
             singular.add(c);
         if (cell.nodeCount != cell.faceCount || !(cell.area > 0.0))
             open.add(c);
@@ -269,11 +269,12 @@ bool build(Storage storage) {
     Cells cells(static_cast<std::size_t>(highest) + 1);
     if (!connectCells<Records2D>(faces, cells))
         return false;
-    const Centres centres(cells.size(), [&cells](std::size_t c) { return centreOf(cells[c]); });
+    Centres centres(cells.size(), [&cells](std::size_t c) { return centreOf(cells[c]); });
     storeInOrder<Records2D>(chooseOrder<Records2D>(storage, faces, cells, centres), highest + 1);
     if (!buildNeighbourLists<Records2D>(cells))
         return false;
     listSlots<Records2D>(faces, cells);
+    centres = asCellsLie(std::move(centres), mesh.cells2D.order());
     shapeCells(faces, cells, centres);
     return true;
 }

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <span>
+#include <utility>
 
 namespace fluvane {
 
@@ -84,7 +85,8 @@ Vec3 outward(const Vec3& n, double length, const Vec3& faceCentre, const Vec3& c
     return {out.x / length, out.y / length, out.z / length};
 }
 
-void shapeFace(FaceRecord3D& face, const Centres& centres) {
+/// `sides` are the slots of the face's cells, -1 for none.
+void shapeFace(FaceRecord3D& face, const std::array<std::int32_t, 2>& sides, const Centres& centres) {
     const Vec3 p0 = pointAt(face.nodes[0]);
     const Vec3 p1 = pointAt(face.nodes[1]);
     const Vec3 p2 = pointAt(face.nodes[2]);
@@ -96,13 +98,13 @@ void shapeFace(FaceRecord3D& face, const Centres& centres) {
                                     : quadrilateralArea(p0, p1, p2, pointAt(face.nodes[3]));
     const Vec3 n = cross(p1 - p0, p2 - p0);
     const double length = lengthOf(n);
-    const Vec3 n0 = outward(n, length, centre, centres[static_cast<std::size_t>(face.c0)]);
+    const Vec3 n0 = outward(n, length, centre, centres[static_cast<std::size_t>(sides[0])]);
     face.n0x = n0.x;
     face.n0y = n0.y;
     face.n0z = n0.z;
-    if (face.c1 == -1)
+    if (sides[1] == -1)
         return;
-    const Vec3 n1 = outward(n, length, centre, centres[static_cast<std::size_t>(face.c1)]);
+    const Vec3 n1 = outward(n, length, centre, centres[static_cast<std::size_t>(sides[1])]);
     face.n1x = n1.x;
     face.n1y = n1.y;
     face.n1z = n1.z;
@@ -110,9 +112,13 @@ void shapeFace(FaceRecord3D& face, const Centres& centres) {
 
 void shapeFaces(const Centres& centres) {
     const std::int32_t F = mesh.totalFaceCount();
+    const bool moved = !mesh.faceCellSlots.empty();
 #pragma omp parallel for schedule(static)
-    for (std::int32_t slot = 0; slot < F; ++slot)
-        shapeFace(mesh.faces3D.data()[slot], centres);
+    for (std::int32_t slot = 0; slot < F; ++slot) {
+        FaceRecord3D& face = mesh.faces3D.data()[slot];
+        const std::array numbers{face.c0, face.c1};
+        shapeFace(face, moved ? mesh.faceCellSlots[static_cast<std::size_t>(slot)] : numbers, centres);
+    }
 }
 
 /// Sets the volume of a cell of four nodes, others keep 0. False when they lie in one plane.
@@ -174,15 +180,15 @@ struct Symmetric {
 
 /// Least-squares weights, with which the gradient of phi is the sum of lsq[j] (phi_c - phi_j). False, with
 /// weights 0, when all neighbours lie in one plane through the centre.
-bool setWeights(CellRecord3D& cell, const Vec3& centre, const Centres& centres) {
+bool setWeights(const Vec3& centre, std::span<const std::int32_t> neighbours, const Centres& centres,
+                Vec3* lsq) {
     // The determinant's own rounding when it should be 0, relative to the product of the diagonal. That
     // product bounds the determinant and scales with it when an axis is stretched.
     constexpr double rounding = 1e-13;
     // One array a number, so that the compiler works on several neighbours at once.
     using Numbers = std::array<double, CellRecord3D::maxNeighbours>;
     Numbers x, y, z, w, xx, yy, zz, xy, xz, yz;
-    const auto count = static_cast<std::size_t>(cell.neighbourCount);
-    const std::int32_t* const neighbours = cell.neighbours;
+    const std::size_t count = neighbours.size();
     for (std::size_t j = 0; j < count; ++j) {
         const Vec3 d = centre - centres[static_cast<std::size_t>(neighbours[j])];
         x[j] = d.x;
@@ -212,7 +218,6 @@ bool setWeights(CellRecord3D& cell, const Vec3& centre, const Centres& centres) 
     if (!(det > rounding * (M.xx * M.yy * M.zz)) || !std::isfinite(det))
         return false;
     const Symmetric inverse = A.dividedBy(det);
-    Vec3* const lsq = cell.lsq;
     for (std::size_t j = 0; j < count; ++j) {
         const Vec3 v = inverse.times({x[j], y[j], z[j]});
         lsq[j] = {w[j] * v.x, w[j] * v.y, w[j] * v.z};
@@ -231,18 +236,20 @@ bool shapeCells(const Cells& cells, const Centres& centres) {
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
         if (const std::int32_t soon = slot + ahead; soon < mesh.cellCount)
             prefetchCell(mesh.cells3D.data()[soon], cells[order.number(static_cast<std::size_t>(soon))]);
+        prefetchAhead(cells, order, static_cast<std::size_t>(slot));
         const std::size_t i = order.number(static_cast<std::size_t>(slot));
         const auto c = static_cast<std::int32_t>(i);
         CellRecord3D& cell = mesh.cells3D.data()[slot];
         fillConnections(cells[i], slot, cell);
-        cell.xc = centres[i].x;
-        cell.yc = centres[i].y;
-        cell.zc = centres[i].z;
+        const Vec3& centre = centres[static_cast<std::size_t>(slot)];
+        cell.xc = centre.x;
+        cell.yc = centre.y;
+        cell.zc = centre.z;
         if (cell.nodeCount == 4 && !setVolume(cell))
             flat.add(c);
         if (!collectFaces(cell, c))
             otherShapes.add(c);
-        if (!setWeights(cell, centres[i], centres))
+        if (!setWeights(centre, neighbourSlotsOf(slot), centres, cell.lsq))
             singular.add(c);
     }
     reportCells<Records3D>(otherShapes, QStringLiteral("the cell is not a tetrahedron of four triangles, and "
@@ -265,11 +272,12 @@ bool build(Storage storage) {
     Cells cells(static_cast<std::size_t>(highest) + 1);
     if (!connectCells<Records3D>(faces, cells))
         return false;
-    const Centres centres(cells.size(), [&cells](std::size_t c) { return meanOf(cells[c].allNodes()); });
+    Centres centres(cells.size(), [&cells](std::size_t c) { return meanOf(cells[c].allNodes()); });
     storeInOrder<Records3D>(chooseOrder<Records3D>(storage, faces, cells, centres), highest + 1);
     if (!buildNeighbourLists<Records3D>(cells))
         return false;
     listSlots<Records3D>(faces, cells);
+    centres = asCellsLie(std::move(centres), mesh.cells3D.order());
     shapeFaces(centres);
     return shapeCells(cells, centres);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mesh/huge_array.h"
+#include "mesh/prefetch_bytes.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -94,8 +95,12 @@ public:
     /// The same records stored in another order.
     RecordTable inOrder(StorageOrder order) const {
         RecordTable moved;
-        moved.m_records = HugeArray<Record>(
-            size(), [&](std::size_t slot) -> const Record& { return (*this)[order.number(slot)]; });
+        moved.m_records = HugeArray<Record>(size(), [&](std::size_t slot) -> const Record& {
+            constexpr std::size_t ahead = 16;
+            if (slot + ahead < size())
+                prefetchBytes(&(*this)[order.number(slot + ahead)], sizeof(Record));
+            return (*this)[order.number(slot)];
+        });
         moved.m_order = std::move(order);
         return moved;
     }

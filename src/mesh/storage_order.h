@@ -113,6 +113,7 @@ StorageOrder orderByCells(const CellTable<Records>& cells, const StorageOrder& c
         order.numberAt.push_back(face);
     };
     for (std::size_t slot = 0; slot < cells.size(); ++slot) {
+        prefetchAhead(cells, cellOrder, slot);
         const auto& cell = cells[cellOrder.number(slot)];
         for (std::size_t k = 0; k < static_cast<std::size_t>(cell.faceCount); ++k)
             if (cell.faces[k] < mesh.interiorFaceCount)
@@ -155,6 +156,17 @@ void storeInOrder(MeshOrder order, std::int32_t cellCount) {
     Records::allocateCells(cellCount, std::move(order.cells));
 }
 
+/// The centres of the cells as these lie.
+template <class Centre>
+HugeArray<Centre> asCellsLie(HugeArray<Centre> centres, const StorageOrder& order) {
+    if (order.asNumbered())
+        return centres;
+    return HugeArray<Centre>(centres.size(), [&](std::size_t slot) {
+        prefetchAhead(centres, order, slot);
+        return centres[order.number(slot)];
+    });
+}
+
 /// The compact lists of where the records lie that others name by number; none for those in file order.
 template <class Records>
 void listSlots(const FaceTable<Records>& faces, const CellTable<Records>& cells) {
@@ -171,6 +183,7 @@ void listSlots(const FaceTable<Records>& faces, const CellTable<Records>& cells)
             return slotOf(cellOrder, mesh.neighbourList[j]);
         });
         mesh.faceCellSlots = HugeArray<std::array<std::int32_t, 2>>(faces.size(), [&](std::size_t slot) {
+            prefetchAhead(faces, faceOrder, slot);
             const auto& face = faces[faceOrder.number(slot)];
             return std::array{slotOf(cellOrder, face.c0), face.c1 == -1 ? -1 : slotOf(cellOrder, face.c1)};
         });
@@ -178,6 +191,7 @@ void listSlots(const FaceTable<Records>& faces, const CellTable<Records>& cells)
     if (!faceOrder.asNumbered()) {
         using List = std::array<std::int32_t, Records::Cell::maxFaces>;
         Records::cellFaceSlots() = HugeArray<List>(cells.size(), [&](std::size_t slot) {
+            prefetchAhead(cells, cellOrder, slot);
             const auto& cell = cells[cellOrder.number(slot)];
             List list;
             list.fill(-1);
