@@ -290,9 +290,9 @@ std::int64_t connectShare(const FaceTable<Records>& faces, CellTable<Records>& c
     for (std::int32_t i = 0; i < F; ++i) {
         if (const std::int32_t soon = i + ahead; soon < F) {
             const auto& next = faces[static_cast<std::size_t>(soon)];
-            prefetchBytes(&cells[static_cast<std::size_t>(next.c0)], sizeof(typename Records::Links));
-            if (next.c1 != -1)
-                prefetchBytes(&cells[static_cast<std::size_t>(next.c1)], sizeof(typename Records::Links));
+            for (const std::int32_t c : {next.c0, next.c1})
+                if (isOurs(c))
+                    prefetchBytes(&cells[static_cast<std::size_t>(c)], sizeof(typename Records::Links));
         }
         const auto& face = faces[static_cast<std::size_t>(i)];
         const bool takesFirst = isOurs(face.c0);
