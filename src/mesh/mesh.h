@@ -77,7 +77,7 @@ public:
 
     /// Takes the compact neighbour list, of which the records hold slices, and creates that of the weights,
     /// which are zero. `start` holds cellCount + 1 ascending offsets, the last of which is the length of the
-    /// list.
+    /// list. How many neighbours a record has, whoever fills the record says.
     void setNeighbours2D(std::vector<std::int32_t> start, HugeArray<std::int32_t> list);
 
     /// The same for the records of a 3D mesh.
