@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 namespace fluvane {
 
@@ -26,14 +27,15 @@ struct Loop {
 /// blocks, with a barrier between two of them.
 template <class Data, std::size_t N>
 void runLoops(const StepConstants& constants, const Data& data, const std::array<Loop<Data>, N>& loops) {
-    runOnTeam([&](const TeamMember& member) {
+    const auto work = [&](const TeamMember& member) {
         for (std::size_t n = 0; n < N; ++n) {
             if (n > 0)
                 member.barrier();
             const auto [first, last] = member.shareOf(loops[n].first, loops[n].last);
             loops[n].kernel(constants, data, first, last);
         }
-    });
+    };
+    runOnTeam(std::cref(work)); // by value, what it refers to would need memory in every step
 }
 
 } // namespace fluvane

@@ -3,8 +3,11 @@
 
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
+#include "solver2d/checks.h"
 #include "solver2d/enthalpy.h"
 #include "solver2d/equilibrium.h"
+#include "solver2d/loop_team.h"
+#include "support/allocation_count.h"
 #include "support/mesh_builder.h"
 #include "support/random_state.h"
 
@@ -50,10 +53,11 @@ protected:
         for (const CellRecord& c : mesh.cells2D)
             all.insert(all.end(), {c.rho, c.u, c.v, c.T, c.H, c.Fx, c.Fy, c.uPrev, c.vPrev, c.TPrev});
         const CellPools& p = mesh.cellPools;
-        for (const HugeArray<double>* pool :
-             {&p.fTilde, &p.fTildePlus, &p.fBarPlus, &p.gTilde, &p.gradFBarPlus})
+        for (const HugeArray<double>* pool : {&p.fTilde, &p.fTildePlus, &p.fBarPlus, &p.gTilde, &p.gTildePlus,
+                                              &p.gBarPlus, &p.gradFBarPlus, &p.gradGBarPlus})
             all.insert(all.end(), pool->begin(), pool->end());
-        all.insert(all.end(), mesh.facePools.fFace.begin(), mesh.facePools.fFace.end());
+        for (const HugeArray<double>* pool : {&mesh.facePools.fFace, &mesh.facePools.gFace})
+            all.insert(all.end(), pool->begin(), pool->end());
         return all;
     }
 
@@ -97,12 +101,36 @@ TEST_F(TimeStep, IsTheSameBitsOnOneTwoThreeAndSevenThreads) {
     }
 }
 
+TEST_F(TimeStep, AsksForNoMemory) {
+    for (const int mode : {0, 1}) {
+        caseSettings.thermalMode = mode;
+        omp_set_num_threads(2);
+        withTeam([] {
+            step2D();
+            const std::int64_t before = support::allocationCount();
+            step2D();
+            EXPECT_EQ(support::allocationCount(), before);
+        });
+    }
+    EXPECT_GT(support::allocationCount(), 0);
+}
+
 TEST_F(TimeStep, WithBothSwitchesOffChangesNothing) {
     caseSettings.flowOn = 0;
     caseSettings.heatOn = false;
     const std::vector<double> before = fields();
     step2D();
     EXPECT_TRUE(sameBits(fields(), before));
+}
+
+TEST_F(TimeStep, CellsWithoutDensityBecomeNaNsThatTheHealthCheckFinds) {
+    for (CellRecord& c : mesh.cells2D) {
+        c.rho = 0.0;
+        std::fill_n(c.fTilde.data(), 9, 0.0);
+    }
+    ASSERT_FALSE(hasNaN());
+    step2D();
+    EXPECT_TRUE(hasNaN());
 }
 
 TEST_F(TimeStep, ConductionAloneLeavesTheVelocityAsInitialised) {

@@ -3,7 +3,9 @@
 
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
+#include "solver2d/loop_team.h"
 #include "solver3d/equilibrium.h"
+#include "support/allocation_count.h"
 #include "support/mesh_builder.h"
 #include "support/mesh_builder_3d.h"
 #include "support/random_state.h"
@@ -52,9 +54,16 @@ protected:
             all.insert(all.end(), {c.rho, c.u, c.v, c.w, c.T, c.H, c.Fx, c.Fy, c.Fz, c.uPrev, c.vPrev,
                                    c.wPrev, c.TPrev});
         const CellPools& p = mesh.cellPools;
-        for (const HugeArray<double>* pool :
-             {&p.fTilde, &p.fTildePlus, &p.fBarPlus, &p.gTilde, &p.gradFBarPlus, &p.gradGBarPlus})
+        for (const HugeArray<double>* pool : {&p.fTilde, &p.fTildePlus, &p.fBarPlus, &p.gTilde, &p.gTildePlus,
+                                              &p.gBarPlus, &p.gradFBarPlus, &p.gradGBarPlus})
             all.insert(all.end(), pool->begin(), pool->end());
+        return all;
+    }
+
+    static std::vector<double> faceTemperatures() {
+        std::vector<double> all;
+        for (const FaceRecord3D& f : mesh.faces3D)
+            all.push_back(f.T);
         return all;
     }
 
@@ -107,12 +116,30 @@ TEST_F(TimeStep3D, IsTheSameBitsOnOneTwoThreeAndSevenThreads) {
     }
 }
 
+TEST_F(TimeStep3D, AsksForNoMemory) {
+    omp_set_num_threads(2);
+    withTeam([] {
+        step3D();
+        const std::int64_t before = support::allocationCount();
+        step3D();
+        EXPECT_EQ(support::allocationCount(), before);
+    });
+    EXPECT_GT(support::allocationCount(), 0);
+}
+
+// Deliberate: interior faces lose their temperature all the same.
 TEST_F(TimeStep3D, WithBothSwitchesOffChangesNoCellAndNoDistribution) {
     caseSettings.flowOn = 0;
     caseSettings.heatOn = false;
-    const std::vector<double> before = cellFields();
+    const auto restore = [temperatures = faceTemperatures()] {
+        for (std::size_t i = 0; i < temperatures.size(); ++i)
+            mesh.faces3D[i].T = temperatures[i];
+    };
+    const std::vector<double> before = fields();
     step3D();
-    EXPECT_TRUE(sameBits(cellFields(), before));
+    EXPECT_EQ(mesh.faces3D[0].T, 0.0);
+    restore();
+    EXPECT_TRUE(sameBits(fields(), before));
 }
 
 TEST_F(TimeStep3D, ConductionAloneLeavesTheVelocityAsInitialised) {

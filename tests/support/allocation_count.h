@@ -1,0 +1,12 @@
+// How often a test program asked for memory.
+#pragma once
+
+#include <cstdint>
+
+namespace fluvane::support {
+
+/// How often all threads together have called `operator new`. A program that links this function replaces the
+/// operators by ones that count.
+std::int64_t allocationCount();
+
+} // namespace fluvane::support
