@@ -3,23 +3,22 @@
 
 #include "app/fit_label.h"
 #include "dialogs/case_settings.h"
+#include "dialogs/number_fields.h"
 #include "ui_run_control.h"
 
-#include <QDoubleValidator>
 #include <QIntValidator>
 
 namespace {
 
-/// Restricts typing only; nothing asks on confirmation whether the text is acceptable.
+// These restrict typing only; nothing asks on confirmation whether the text is acceptable.
+
 void restrictToTolerance(QLineEdit* field) {
-    auto* const validator = new QDoubleValidator(0.0, 1e-6, 6, field);
-    validator->setLocale(QLocale::c());
-    field->setValidator(validator);
+    setNumberRange(field, 0.0, 1e-6);
 }
 
 void restrictToIntegers(QLineEdit* field, int least, int most) {
     auto* const validator = new QIntValidator(least, most, field);
-    validator->setLocale(QLocale::c());
+    validator->setLocale(localeOfNumbers());
     field->setValidator(validator);
 }
 
@@ -46,8 +45,8 @@ NUM_Process_Win::NUM_Process_Win(QWidget* parent)
 NUM_Process_Win::~NUM_Process_Win() = default;
 
 void NUM_Process_Win::confirm() {
-    emit ok(ui->lineEdit_Process->text().toInt(), ui->lineEdit_Error_U->text().toDouble(),
-            ui->lineEdit_Error_T->text().toDouble(), ui->lineEdit_Time_Step->text().toInt(),
+    emit ok(ui->lineEdit_Process->text().toInt(), numberIn(ui->lineEdit_Error_U),
+            numberIn(ui->lineEdit_Error_T), ui->lineEdit_Time_Step->text().toInt(),
             ui->lineEdit_Terminal->text().toInt());
 }
 

@@ -151,6 +151,20 @@ private slots:
         QCOMPARE(ok.constFirst(), QVariantList({2, 1e-7, 2e-8, 1500, 100}));
     }
 
+    void aCommaCannotBeTyped() {
+        const Dialog dialog;
+        for (const char* const name : {"lineEdit_Process", "lineEdit_Time_Step", "lineEdit_Terminal"}) {
+            dialog.field(name)->clear();
+            QTest::keyClicks(dialog.field(name), "1,0");
+            QCOMPARE(dialog.field(name)->text(), QString("10"));
+        }
+        for (const char* const name : {"lineEdit_Error_U", "lineEdit_Error_T"}) {
+            dialog.field(name)->clear();
+            QTest::keyClicks(dialog.field(name), "1,5e-9");
+            QCOMPARE(dialog.field(name)->text(), QString("15e-9"));
+        }
+    }
+
     void textThatIsNoNumberCountsAsZero() {
         Dialog dialog;
         for (const char* const name : {"lineEdit_Process", "lineEdit_Time_Step", "lineEdit_Error_U"})
