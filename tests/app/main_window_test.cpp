@@ -239,6 +239,8 @@ private slots:
                               QString("Error: Please select the %1 file").arg(is3D ? "3D" : "2D")}));
         QCOMPARE(caseSettings.meshLoaded, loadedBefore);
         QCOMPARE(shell.text("labelnumcell"), QString("Num of Cell: "));
+        QCOMPARE(shell.text("labelnumface"), QString("Num of Face: "));
+        QCOMPARE(shell.text("labelnumpoint"), QString("Num of Point: "));
         QCOMPARE(shell.terminal().constFirst(), QString("before"));
         QVERIFY(shell.terminal().constLast().contains("bad.msh"));
     }

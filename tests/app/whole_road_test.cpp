@@ -77,10 +77,10 @@ private slots:
         Shell shell;
         open(shell, squareMesh(side));
         fluvane::appendTerminalLine("something said since");
-        open(shell, ringMesh(16, 4));
-        QCOMPARE(shell.text("labelnumcell"), QString("Num of Cell: 64"));
-        QCOMPARE(shell.text("labelnumface"), QString("Num of Face: 144"));
-        QCOMPARE(shell.text("labelnumpoint"), QString("Num of Point: 80"));
+        open(shell, ringMesh(12, 3));
+        QCOMPARE(shell.text("labelnumcell"), QString("Num of Cell: 36"));
+        QCOMPARE(shell.text("labelnumface"), QString("Num of Face: 84"));
+        QCOMPARE(shell.text("labelnumpoint"), QString("Num of Point: 48"));
         QCOMPARE(shell.terminal().size(), 2);
         QVERIFY(shell.terminal().at(0).contains("inner") && shell.terminal().at(1).contains("outer"));
     }

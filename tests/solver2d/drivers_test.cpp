@@ -21,6 +21,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <omp.h>
 #include <thread>
 #include <vector>
 
@@ -126,6 +127,32 @@ TEST_F(Drivers, NaNEndsAFixedCountWithWrong) {
     EXPECT_FALSE(steady(10, 1));
     EXPECT_EQ(lines, QStringList({"Wrong"}));
     EXPECT_EQ(files(), QStringList({"run_0.dat"}));
+}
+
+TEST_F(Drivers, NaNAfterTheLastSavePointIsWrittenButEndsTheRunWithoutAWord) {
+    setTerminalSink([this](const QString& line) {
+        lines.append(line);
+        mesh.cells2D[3].fTilde[0] = NAN; // said in the check of step 0, which holds the gate
+    });
+    EXPECT_FALSE(steady(3, 100));
+    EXPECT_EQ(files(), QStringList({"run_0.dat", "run_3.dat"}));
+    EXPECT_EQ(lines.size(), 1);
+    EXPECT_TRUE(content("run_3.dat").contains("nan"));
+}
+
+TEST_F(Drivers, TheNumberOfThreadsIsSetAndChangesNoBit) {
+    const int before = omp_get_max_threads();
+    const auto path = [this](const char* name) { return folder.filePath(name); };
+    EXPECT_TRUE(runSteady2D(nullptr, 3, 0, 0, 20, 100, path("three.dat")));
+    EXPECT_EQ(omp_get_max_threads(), 3);
+    SetUp();
+    EXPECT_TRUE(runSteady2D(nullptr, 1, 0, 0, 20, 100, path("one.dat")));
+    EXPECT_EQ(omp_get_max_threads(), 1);
+    EXPECT_EQ(content("one_20.dat"), content("three_20.dat"));
+    SetUp();
+    EXPECT_TRUE(runTransient2D(nullptr, 2, 20, 100, path("two.dat")));
+    EXPECT_EQ(omp_get_max_threads(), 2);
+    omp_set_num_threads(before);
 }
 
 TEST_F(Drivers, NaNEndsAnUnlimitedRunWithoutAWord) {

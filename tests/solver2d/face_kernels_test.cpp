@@ -118,6 +118,38 @@ TEST_F(FaceKernels, ZeroDensityGivesANonFiniteVelocityWithoutAGuard) {
     EXPECT_FALSE(std::isfinite(mesh.faces2D[0].u));
 }
 
+TEST_F(FaceKernels, FacesOfCellsWithoutAGradientTakeTheirValuesUnshifted) {
+    const auto prepare = [](int nx) {
+        support::makeMesh(support::rectangles(nx, 1), 4, support::sidesOfBox());
+        support::fillRandomState(2);
+        for (CellRecord& c : mesh.cells2D)
+            computeCellGradients(c);
+    };
+    prepare(1); // a cell without a neighbour
+    for (FaceRecord& face : mesh.faces2D) {
+        face.flowKind = face.thermalKind = 0;
+        treatBoundaryFace(face);
+        for (std::size_t k = 0; k < 9; ++k) {
+            const Vec2 xi = velocitySet.xi2D[k];
+            if (!(xi.x * face.S0x + xi.y * face.S0y > 0.0))
+                continue; // reflected, or overwritten by its opposite
+            EXPECT_EQ(face.fFace[k], cellOf(face).fBarPlus[k]);
+            EXPECT_EQ(face.gFace[k], cellOf(face).gBarPlus[k]);
+        }
+    }
+    prepare(2); // one neighbour determines no gradient
+    FaceRecord& face = mesh.faces2D[0];
+    ASSERT_EQ(mesh.interiorFaceCount, 1);
+    reconstructInteriorFace(face);
+    for (std::size_t k = 0; k < 9; ++k) {
+        const Vec2 xi = velocitySet.xi2D[k];
+        const bool first = xi.x * face.S0x + xi.y * face.S0y >= 0.0;
+        const CellRecord& upwind = mesh.cells2D[static_cast<std::size_t>(first ? face.c0 : face.c1)];
+        EXPECT_EQ(face.fFace[k], upwind.fBarPlus[k]);
+        EXPECT_EQ(face.gFace[k], upwind.gBarPlus[k]);
+    }
+}
+
 TEST_F(FaceKernels, WallReflectsWithItsVelocityAndKeepsIt) {
     FaceRecord& face = wall(3); // top
     face.flowKind = 0;
