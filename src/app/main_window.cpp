@@ -26,6 +26,7 @@
 #include "ui_main_window.h"
 #include "velocity/lattice.h"
 #include "velocity/velocity_file.h"
+#include "velocity/velocity_set.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -314,6 +315,10 @@ bool MainWindow::refusedToRun(int Terminal) {
         reason = QString::fromLatin1(otherDimension);
     else if (mesh.cellCount > 0 && !mesh.matchesVelocitySet())
         reason = QStringLiteral("The velocity file was read after the mesh; please open the mesh again");
+    else if (!fluvane::velocitySet.hasAllOpposites())
+        reason =
+            QStringLiteral("The velocity file lacks the opposite of a velocity; please end its last line "
+                           "and open the case again");
     else if (Terminal < 1)
         reason = QStringLiteral("Terminal must be at least 1");
     if (reason.isEmpty())

@@ -4,6 +4,7 @@
 #include "mesh/mesh.h"
 #include "solver2d/checks.h"
 #include "solver2d/loop_team.h"
+#include "velocity/velocity_set.h"
 
 #include <omp.h>
 
@@ -58,6 +59,9 @@ bool canRun(bool is3D, int saveInterval) {
         reason = "The mesh is of the other dimension: read a mesh again. Nothing was started.";
     else if (mesh.cellCount > 0 && !mesh.matchesVelocitySet())
         reason = "The velocity file was read after the mesh: read the mesh again. Nothing was started.";
+    else if (!velocitySet.hasAllOpposites())
+        reason = "A velocity has no opposite: end the last line of the velocity file with a line feed and "
+                 "read it again. Nothing was started.";
     if (!reason.isEmpty())
         appendTerminalLine(reason);
     return reason.isEmpty();

@@ -16,7 +16,8 @@ namespace fluvane {
 bool meshHasDimension(bool is3D);
 
 /// False, with a terminal line that says why, for what could only overrun or divide by zero: an interval
-/// below 1, a mesh of the other dimension, records made for another velocity count.
+/// below 1, a mesh of the other dimension, records made for another velocity count, a velocity without its
+/// opposite.
 bool canRun(bool is3D, int saveInterval);
 
 /// The threads of every later parallel loop of the calling thread; 0 leaves them as they are.

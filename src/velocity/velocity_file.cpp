@@ -26,7 +26,7 @@ public:
 
 private:
     bool readRow(std::size_t row, const LineScanner& lines);
-    bool checkOpposites();
+    bool checkOpposites(std::int32_t lines) const;
     bool refuse(std::int64_t line, const QString& expected, const QString& found) const;
 
     QString m_path;
@@ -80,12 +80,12 @@ bool VelocityReader::readRow(std::size_t row, const LineScanner& lines) {
     return true;
 }
 
-bool VelocityReader::checkOpposites() {
-    const std::int32_t Q = m_table.velocityCount;
-    for (std::int32_t k = 0; k < Q; ++k) {
+/// Whether opposites are lines of the file, the one that does not count included.
+bool VelocityReader::checkOpposites(std::int32_t lines) const {
+    for (std::int32_t k = 0; k < m_table.velocityCount; ++k) {
         const std::int32_t opposite = m_table.opposite[static_cast<std::size_t>(k)];
-        if (opposite < 0 || opposite >= Q)
-            return refuse(k + 1, QStringLiteral("an opposite velocity from 0 to %1").arg(Q - 1),
+        if (opposite < 0 || opposite >= lines)
+            return refuse(k + 1, QStringLiteral("an opposite velocity from 0 to %1").arg(lines - 1),
                           QString::number(opposite));
     }
     return true;
@@ -113,7 +113,7 @@ bool VelocityReader::read(std::string_view text) {
                       lost.empty() ? QStringLiteral("none") : QStringLiteral("a line without a line feed"));
     }
     m_table.velocityCount = rows;
-    if (!checkOpposites())
+    if (!checkOpposites(lost.empty() ? rows : rows + 1))
         return false;
     if (!lost.empty())
         reportProblem(

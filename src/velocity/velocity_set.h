@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace fluvane {
@@ -27,6 +28,15 @@ struct VelocitySet {
     std::array<Vec3, capacity> xi3D{};
     std::array<double, capacity> weights{};
     std::array<std::int32_t, capacity> opposite{}; ///< 0-based index of the velocity -xi_k
+
+    /// False when the opposite of a velocity is beyond the set: its line was the last of the file and did not
+    /// count. Walls cannot reflect then.
+    bool hasAllOpposites() const {
+        for (std::int32_t k = 0; k < velocityCount; ++k)
+            if (opposite[static_cast<std::size_t>(k)] >= velocityCount)
+                return false;
+        return true;
+    }
 };
 
 extern VelocitySet velocitySet;

@@ -423,6 +423,9 @@ private slots:
         QTest::newRow("velocities")
             << "velocities"
             << "Error: The velocity file was read after the mesh; please open the mesh again";
+        QTest::newRow("opposites") << "opposites"
+                                   << "Error: The velocity file lacks the opposite of a velocity; please end "
+                                      "its last line and open the case again";
     }
     void whatCannotRunIsRefusedBeforeANameIsAskedFor() {
         QFETCH(QString, case_);
@@ -438,6 +441,11 @@ private slots:
             fluvane::velocitySet.velocityCount = 5;
             fluvane::mesh.allocateCells2D(1);
             fluvane::velocitySet.velocityCount = 9;
+        }
+        if (case_ == "opposites") {
+            fluvane::velocitySet.velocityCount = 8;
+            fluvane::velocitySet.opposite[6] = 8;
+            fluvane::mesh.allocateCells2D(1);
         }
         shell.window->Start_compute(1, 1e-9, 1e-9, 1, case_ == "interval" ? 0 : 1);
         QCOMPARE(shell.answers.seen, QStringList(said));

@@ -155,6 +155,15 @@ TEST_F(Drivers, TheNumberOfThreadsIsSetAndChangesNoBit) {
     omp_set_num_threads(before);
 }
 
+TEST_F(Drivers, VelocityWithoutItsOppositeIsRefusedInsteadOfOverrunning) {
+    velocitySet.opposite[6] = 9;
+    EXPECT_FALSE(steady(5, 1));
+    EXPECT_FALSE(transient(5, 1));
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_TRUE(lines[0].contains("opposite"));
+    EXPECT_TRUE(files().isEmpty());
+}
+
 TEST_F(Drivers, NaNEndsAnUnlimitedRunWithoutAWord) {
     mesh.cells2D[3].fTilde[0] = NAN;
     EXPECT_FALSE(steady(0, 1));

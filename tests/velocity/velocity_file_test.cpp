@@ -71,16 +71,22 @@ TEST_F(VelocityFileTest, ReadsThreeComponentsInA3DCase) {
 
 // Deliberate: the count is one less than the number of lines tried.
 TEST_F(VelocityFileTest, LastLineWithoutLineFeedIsNotCountedAndSaidSo) {
-    // Opposites stay in range without the ninth velocity.
-    std::string text = "0 0 4 9 0\n";
-    for (int i = 1; i < 8; ++i)
-        text += "1 0 1 9 0\n";
-    ASSERT_TRUE(read(text + "1 0 1 9 0\n"));
+    ASSERT_TRUE(read(d2q9));
     EXPECT_EQ(velocitySet.velocityCount, 9);
+    EXPECT_TRUE(velocitySet.hasAllOpposites());
     EXPECT_EQ(problems(0), "");
-    ASSERT_TRUE(read(text + "1 0 1 9 0"));
+    ASSERT_TRUE(read(d2q9.substr(0, d2q9.size() - 1)));
     EXPECT_EQ(velocitySet.velocityCount, 8);
-    EXPECT_NE(problems(1).find("line 9"), std::string::npos);
+    EXPECT_EQ(velocitySet.opposite[6], 8); // as written
+    EXPECT_FALSE(velocitySet.hasAllOpposites());
+    const std::string problem = problems(1);
+    EXPECT_NE(problem.find("line 9"), std::string::npos) << problem;
+    EXPECT_NE(problem.find("8 velocities"), std::string::npos) << problem;
+}
+
+TEST_F(VelocityFileTest, OnlyTheLineThatDoesNotCountMayBeAnOppositeBeyondTheSet) {
+    EXPECT_FALSE(read("0 0 4 9 0\n1 0 1 9 3\n-1 0 1 9 1"));
+    EXPECT_NE(problems(1).find("from 0 to 2, found 3"), std::string::npos);
 }
 
 // Deliberate: an empty line adds a row that keeps what the table held and the weight of the row before it.
