@@ -66,6 +66,11 @@ bool refuseFace(std::int32_t face, const char* expectedNodes, std::span<const st
                                QString::number(cells), nodeListOf(nodes), fileNumber(c0), fileNumber(c1)));
 }
 
+bool refuseUnnamedCell(std::int32_t cell) {
+    return refuseMesh(QStringLiteral("cell %1").arg(fileNumber(cell)),
+                      QStringLiteral("expected a face that names the cell, found none"));
+}
+
 void reportCells(const FlawedCells& flawed, std::int32_t firstFace, const QString& flaw) {
     reportProblem(
         QStringLiteral("Mesh file %1, %2: %3 (%4 in all)")

@@ -157,6 +157,9 @@ bool checkHighestCell(std::int32_t highest);
 bool refuseFace(std::int32_t face, const char* expectedNodes, std::span<const std::int32_t> nodes,
                 std::int32_t c0, std::int32_t c1, std::int32_t cells);
 
+/// Refuses a mesh whose cell numbers have a gap: no face names this one.
+bool refuseUnnamedCell(std::int32_t cell);
+
 /// How many cells have a flaw, and the first of them.
 struct FlawedCells {
     std::int32_t count = 0;

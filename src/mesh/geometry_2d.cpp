@@ -228,12 +228,15 @@ FLUVANE_FORCE_INLINE void prefetchFaces(const Links& links, std::int32_t c, cons
     }
 }
 
-void shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) {
+/// Fills the cells' records, the faces' and the weights. False, with one problem line, when cells are named
+/// by no face.
+bool shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) {
     constexpr std::int32_t ahead = 16;
     const StorageOrder& order = mesh.cells2D.order();
+    FlawedCells unnamed;
     FlawedCells singular;
     FlawedCells open;
-#pragma omp parallel for schedule(static) reduction(addFlaws : singular, open)
+#pragma omp parallel for schedule(static) reduction(addFlaws : unnamed, singular, open)
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
         if (const std::int32_t soon = slot + ahead; soon < mesh.cellCount) {
             const std::size_t s = order.number(static_cast<std::size_t>(soon));
@@ -248,13 +251,18 @@ void shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) 
         shapeCell(cell, c, cells[i], faces, centre);
         if (!setWeights(centre, neighbourSlotsOf(slot), centres, cell.lsq))
             singular.add(c);
+        if (cell.faceCount == 0)
+            unnamed.add(c);
         if (cell.nodeCount != cell.faceCount || !(cell.area > 0.0))
             open.add(c);
     }
+    if (unnamed.count > 0)
+        return refuseUnnamedCell(unnamed.first);
     reportCells<Records2D>(singular,
                            QStringLiteral("the neighbours lie on one line, gradient weights are 0"));
     reportCells<Records2D>(open, QStringLiteral("the faces do not run round the cell in one direction, its "
                                                 "area and centre are wrong"));
+    return true;
 }
 
 bool build(Storage storage) {
@@ -275,8 +283,7 @@ bool build(Storage storage) {
         return false;
     listSlots<Records2D>(faces, cells);
     centres = asCellsLie(std::move(centres), mesh.cells2D.order());
-    shapeCells(faces, cells, centres);
-    return true;
+    return shapeCells(faces, cells, centres);
 }
 
 } // namespace

@@ -285,6 +285,15 @@ TEST_F(Geometry2DTest, NodesLevelWithTheCentreAreOrderedByAcos) {
     EXPECT_EQ(mesh.cells2D[0].nodes, (std::array<std::int32_t, 4>{1, 0, 3, 2}));
 }
 
+// Deliberate: 2 pi is the truncated 6.2831852, below the angle pi of a node level with the centre.
+TEST_F(Geometry2DTest, NodeJustAboveTheLevelOfTheCentreComesAfterTheOneJustBelow) {
+    setMeshOfCells({{2, 0x1p-26}, {-2, 1}, {-2, -1}, {2, -0x1p-26}}, {{0, 1, 2, 3}});
+    ASSERT_TRUE(buildGeometry2D());
+    ASSERT_EQ(mesh.cells2D[0].yc, 0.0);
+    EXPECT_EQ(mesh.cells2D[0].nodes, (std::array<std::int32_t, 4>{1, 3, 0, 2}));
+    problems(1);
+}
+
 TEST_F(Geometry2DTest, NodeAtTheCentreHasTheAngleZero) {
     setMeshOfCells({{0, 0}, {3, 0}, {1, 1}, {0, 3}}, {{0, 1, 2, 3}});
     ASSERT_TRUE(buildGeometry2D());
@@ -382,6 +391,11 @@ TEST_F(Geometry2DTest, FifthFaceOrNodeOfACellIsRefusedWithLineAndCell) {
     setMeshOfCells(pentagon, {{0, 1, 2, 3, 4}});
     mesh.faceLineStarts = {{0, 40}};
     expectRefused({"hand.msh", "line 44", "cell 1", "four"});
+}
+
+TEST_F(Geometry2DTest, CellNumberThatNoFaceNamesIsRefused) {
+    setMesh(unitSquare, {{0, 1, 0, 3}, {1, 2, 0, 1}}, {{2, 3, 0, -1}});
+    expectRefused({"hand.msh", "cell 3", "a face that names the cell"});
 }
 
 TEST_F(Geometry2DTest, CellsThatDoNotCloseAreKeptAndSaid) {
