@@ -220,6 +220,8 @@ void MainWindow::Open_mesh_file() {
         return;
     }
     caseSettings.meshLoaded = true;
+    boundaryWizard->startOver();
+    boundaryWizard3D->startOver();
     showMesh();
 }
 

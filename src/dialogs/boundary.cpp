@@ -66,6 +66,10 @@ void Boundary_Information_Win::start() {
     refresh();
 }
 
+void Boundary_Information_Win::startOver() {
+    m_walk = {};
+}
+
 void Boundary_Information_Win::refresh() {
     ui->labelBI->setText(m_walk.name());
     ui->pushButtonnext->setText(m_walk.onLastZone() ? tr("ok") : tr("next"));

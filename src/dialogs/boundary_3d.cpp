@@ -54,6 +54,10 @@ void Boundary_Information_Win_3D::start() {
     refresh();
 }
 
+void Boundary_Information_Win_3D::startOver() {
+    m_walk = {};
+}
+
 /// Read from the zone's last face, in one hold so that it is of one instant.
 Boundary_Information_Win_3D::ZoneState Boundary_Information_Win_3D::readZone(const fluvane::ZoneWalk& walk) {
     const fluvane::VisitorHold hold;

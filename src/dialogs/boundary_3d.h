@@ -23,6 +23,9 @@ public:
     /// whenever the wizard is shown. The zone is the first one at first, later the one it was left at.
     void start();
 
+    /// The next start is at the first zone: for a new mesh, of which no zone was seen yet.
+    void startOver();
+
 signals:
     void cancel();
     void ok();

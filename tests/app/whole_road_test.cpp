@@ -85,6 +85,23 @@ private slots:
         QVERIFY(shell.terminal().at(0).contains("inner") && shell.terminal().at(1).contains("outer"));
     }
 
+    void theWizardReopensWhereItWasLeftUntilAnotherMeshIsRead() {
+        Shell shell;
+        prepareCavity(shell);
+        QWidget* const wizard = Shell::dialog("Boundary_Information_Win");
+        const auto* const zone = wizard->findChild<QLabel*>("labelBI");
+        const auto* const next = wizard->findChild<QPushButton*>("pushButtonnext");
+        shell.choose("actionBoundary");
+        QVERIFY(zone->text().contains("left"));
+        QCOMPARE(next->text(), QString("ok"));
+        Shell::press(wizard, "pushButtoncancel");
+        open(shell, squareMesh(4)); // as many zones as before
+        shell.choose("actionBoundary");
+        QVERIFY(zone->text().contains("bottom"));
+        QCOMPARE(next->text(), QString("next"));
+        Shell::press(wizard, "pushButtoncancel");
+    }
+
     void complaintsOfThisOpeningSurviveTheClearing() {
         Shell shell;
         const QuadMesh square = squareMesh(2);
