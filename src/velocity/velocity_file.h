@@ -14,8 +14,8 @@ namespace fluvane {
 ///
 /// Returns false, with one problem line in the terminal, when the file cannot be opened (the velocity count
 /// is then -1), holds no velocity (count 0) or cannot be accepted: more than 30 rows, a row that does not
-/// parse, b = 0, an opposite index out of range, no memory. What cannot be accepted leaves the velocity set
-/// as it was.
+/// parse, b = 0, an opposite index that no line of the file has, no memory. What cannot be accepted leaves
+/// the velocity set as it was.
 bool readVelocityFile(const QString& path);
 
 } // namespace fluvane
