@@ -2,9 +2,11 @@
 #include "solver2d/loop_team.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <memory>
 #include <omp.h>
+#include <vector>
 
 #if defined(__x86_64__) || defined(__i386__)
 #include <immintrin.h>
@@ -33,17 +35,25 @@ void waitWhile(const std::atomic<T>& value, T old) {
     value.wait(old, std::memory_order_acquire);
 }
 
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start) {
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
 class Team {
 public:
-    Team(int threads, int workers) : m_threads(threads), m_workers(workers), m_barrier(workers) {}
+    Team(int threads, int workers)
+        : m_threads(threads), m_workers(workers), m_barrier(workers), m_shares(workers),
+          m_waited(static_cast<std::size_t>(workers)), m_busy(static_cast<std::size_t>(workers)) {}
 
     /// The calling thread takes part as the first.
     void run(const TeamWork& work) {
         m_work = &work;
         m_jobs.fetch_add(1, std::memory_order_release);
         m_jobs.notify_all();
-        work(member(0));
-        m_barrier.wait();
+        takePart(0);
+        m_shares.note(m_busy);
     }
 
     void dismiss() {
@@ -65,12 +75,21 @@ public:
             waitWhile(m_jobs, seen);
             if (!m_work)
                 return;
-            (*m_work)(member(worker));
-            m_barrier.wait();
+            takePart(worker);
         }
     }
 
 private:
+    /// Does the worker's part of the job, and says before the last barrier how long it was busy.
+    void takePart(int worker) {
+        const auto n = static_cast<std::size_t>(worker);
+        const Clock::time_point start = Clock::now();
+        m_waited[n].seconds = 0.0;
+        (*m_work)({m_barrier, m_shares.first(worker), m_shares.last(worker), m_waited[n].seconds});
+        m_busy[n] = secondsSince(start) - m_waited[n].seconds;
+        m_barrier.wait();
+    }
+
     /// The workers are spread over the threads as pinning spreads the threads over the processors: neighbours
     /// may share one. -1 for a thread that sleeps.
     int workerOf(int thread) const {
@@ -81,13 +100,17 @@ private:
         return static_cast<int>(std::int64_t{m_threads} * worker / m_workers);
     }
 
-    TeamMember member(int worker) {
-        return {m_barrier, firstThreadOf(worker), firstThreadOf(worker + 1), m_threads};
-    }
+    /// In a cache line of its own: its worker writes it at every barrier.
+    struct alignas(64) Waited {
+        double seconds = 0.0;
+    };
 
     int m_threads;
     int m_workers;
     TeamBarrier m_barrier;
+    TeamShares m_shares;
+    std::vector<Waited> m_waited; ///< of each worker, at the barriers of the present job
+    std::vector<double> m_busy;   ///< of each worker, in seconds
     const TeamWork* m_work = nullptr;
     std::atomic<std::uint32_t> m_jobs{0};
     std::atomic<bool> m_dismissed{false};
@@ -97,21 +120,25 @@ thread_local Team* teamOfThisThread = nullptr;
 
 } // namespace
 
-void TeamBarrier::wait() {
+double TeamBarrier::wait() {
     const std::uint32_t round = m_round.load(std::memory_order_acquire);
     if (m_arrived.fetch_add(1, std::memory_order_acq_rel) + 1 == m_threads) {
         m_arrived.store(0, std::memory_order_relaxed);
         m_round.fetch_add(1, std::memory_order_release);
         m_round.notify_all();
-    } else {
-        waitWhile(m_round, round);
+        return 0.0;
     }
+    const Clock::time_point start = Clock::now();
+    waitWhile(m_round, round);
+    return secondsSince(start);
 }
 
 TeamMember::Range TeamMember::shareOf(std::int32_t first, std::int32_t last) const {
     const std::int64_t count = last - first;
-    const auto cut = [&](int share) { return first + static_cast<std::int32_t>(count * share / m_shares); };
-    return {cut(m_firstShare), cut(m_lastShare)};
+    const auto cut = [&](std::int32_t part) {
+        return first + static_cast<std::int32_t>(count * part / TeamShares::parts);
+    };
+    return {cut(m_firstPart), cut(m_lastPart)};
 }
 
 void withTeam(const std::function<void()>& run) {

@@ -1,6 +1,8 @@
 // The threads that share out the loops of a step.
 #pragma once
 
+#include "solver2d/team_shares.h"
+
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -12,7 +14,8 @@ namespace fluvane {
 class TeamBarrier {
 public:
     explicit TeamBarrier(int threads) : m_threads(threads) {}
-    void wait();
+    /// Returns for how many seconds this thread had to wait.
+    double wait();
 
 private:
     int m_threads;
@@ -23,8 +26,9 @@ private:
 /// One thread's part of the work that a team does together.
 class TeamMember {
 public:
-    TeamMember(TeamBarrier& barrier, int firstShare, int lastShare, int shares)
-        : m_barrier(&barrier), m_firstShare(firstShare), m_lastShare(lastShare), m_shares(shares) {}
+    /// Its share by the parts of TeamShares; what it waits at barriers is added to `waited`, in seconds.
+    TeamMember(TeamBarrier& barrier, std::int32_t firstPart, std::int32_t lastPart, double& waited)
+        : m_barrier(&barrier), m_waited(&waited), m_firstPart(firstPart), m_lastPart(lastPart) {}
 
     /// The records of first .. last - 1 that fall to this thread: contiguous, threads in their order.
     struct Range {
@@ -34,13 +38,13 @@ public:
     Range shareOf(std::int32_t first, std::int32_t last) const;
 
     /// Waits until every thread of the team has come this far.
-    void barrier() const { m_barrier->wait(); }
+    void barrier() const { *m_waited += m_barrier->wait(); }
 
 private:
     TeamBarrier* m_barrier;
-    int m_firstShare;
-    int m_lastShare;
-    int m_shares;
+    double* m_waited;
+    std::int32_t m_firstPart;
+    std::int32_t m_lastPart;
 };
 
 using TeamWork = std::function<void(const TeamMember&)>;
@@ -51,8 +55,9 @@ using TeamWork = std::function<void(const TeamMember&)>;
 /// nothing.
 void withTeam(const std::function<void()>& run);
 
-/// Does `work` once on every thread of the team, or of one gathered for this call alone. The work is cut into
-/// one share for each thread that is asked for; a thread that works takes a contiguous row of them.
+/// Does `work` once on every thread of the team that works, or of one gathered for this call alone. Each has
+/// one contiguous share of every loop in it, fixed before the work begins. From one call to the next the
+/// shares follow what the threads get done, so that they come to the barriers together.
 void runOnTeam(const TeamWork& work);
 
 } // namespace fluvane

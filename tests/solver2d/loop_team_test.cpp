@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <ctime>
@@ -79,6 +80,33 @@ TEST_P(LoopTeam, TheCallerTakesPartAndReturnsWhenAllAreDone) {
     });
     EXPECT_TRUE(callerWorked);
     EXPECT_GE(finished, 100);
+}
+
+TEST_P(LoopTeam, AWorkerThatIsSlowGetsLessAndEveryRecordIsStillDoneOnce) {
+    if (std::min(GetParam(), omp_get_num_procs()) != 2)
+        GTEST_SKIP() << "for two that work";
+    constexpr std::int32_t count = 100;
+    std::int32_t firstShare = 0;
+    withTeam([&] {
+        for (int job = 0; job < 100; ++job) {
+            std::atomic<int> done{0};
+            runOnTeam([&](const TeamMember& member) {
+                const auto [first, last] = member.shareOf(0, count);
+                const bool slow = first > 0;
+                for (int half = 0; half < 2; ++half) {
+                    const std::chrono::microseconds each(slow ? 30 : 10);
+                    std::this_thread::sleep_for(each * (last - first) / 2);
+                    member.barrier(); // what the fast one waits is not its work
+                }
+                done += last - first;
+                if (first == 0)
+                    firstShare = last;
+            });
+            ASSERT_EQ(done, count);
+        }
+    });
+    EXPECT_GT(firstShare, 60);
+    EXPECT_LT(firstShare, 85);
 }
 
 TEST_P(LoopTeam, ATeamInsideATeamIsTheSameTeam) {
