@@ -24,7 +24,8 @@ _READING = """\
 ## Reading the figures
 
 - **The mesh** is what limits most figures: deviations of the cavity and of natural convection fall at about second order,
-  and a figure outside its band on the finest mesh here lies where that order puts it.
+  and a figure outside its band on the finest mesh here lies where that order puts it, but for the drag and the lift
+  of the shedding cylinder, which hardly change with the mesh.
 - **Mach number and time step.** Against what compressibility alone would suggest, a smaller Mach number makes the
   cavity at Re 100 on coarse meshes worse: in lattice units the viscosity shrinks with it, while the diffusion that the
   reconstruction adds does not. The time step acts either way: with a shorter one the cavity at Re 100 on coarse meshes

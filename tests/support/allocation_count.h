@@ -6,7 +6,10 @@
 namespace fluvane::support {
 
 /// How often all threads together have called `operator new`. A program that links this function replaces the
-/// operators by ones that count.
+/// operators by ones that count. 0 where a sanitizer has operators of its own.
 std::int64_t allocationCount();
+
+/// Whether they are counted.
+bool countsAllocations();
 
 } // namespace fluvane::support

@@ -81,8 +81,8 @@ Result cavityChoices(const Context& context) {
            "the "
            "viscosity U0 L / Re, so that a smaller Mach number leaves less of it beside the diffusion that "
            "the "
-           "reconstruction adds, and a longer time step adds more of that. On coarse meshes this outweighs "
-           "compressibility.";
+           "reconstruction adds, and a longer time step adds more of that here (in the thin layers of "
+           "natural convection it adds less). On coarse meshes this outweighs compressibility.";
     return result;
 }
 
