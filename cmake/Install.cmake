@@ -25,7 +25,9 @@ endfunction()
 install(TARGETS fluvane RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 fluvane_install_compressed(${packaging}/man/fluvane.1.in fluvane.1 ${CMAKE_INSTALL_MANDIR}/man1)
 
-install(DIRECTORY cases/ DESTINATION ${data_dir}/cases PATTERN "__pycache__" EXCLUDE)
+# Only what the cases consist of: who starts the program in their folder leaves dumps and results there.
+install(DIRECTORY cases/ DESTINATION ${data_dir}/cases FILES_MATCHING
+  PATTERN "*.msh" PATTERN "*.2Dv" PATTERN "*.3Dv" PATTERN "*.md")
 
 # The companions are scripts; their modules and packages of modules lie beside them.
 file(GLOB companions CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/fluvane-*)

@@ -31,6 +31,8 @@ fuzz() {
 
 # Two at a time; the third is the fastest.
 fuzz mesh_2d mesh &
-fuzz mesh_3d mesh
-wait "$!"
+failed=0
+fuzz mesh_3d mesh || failed=1
+wait "$!" || failed=1
+[[ $failed == 0 ]]
 fuzz velocity velocity

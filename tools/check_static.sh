@@ -22,11 +22,14 @@ first = {}
 for entry in json.load(open(sys.argv[1])):
     if entry["file"].startswith(sys.argv[2]):
         first.setdefault(entry["file"], entry)
+if not first:
+    sys.exit(f"check_static: the build knows no file below {sys.argv[2]}; build it from this folder")
 json.dump(list(first.values()), sys.stdout)
 PYTHON
 
 echo "clang-tidy"
-if ! run-clang-tidy -quiet -j "$(nproc)" -p "$work" "^$PWD/src/" > "$work/report" 2>&1 ||
+sources=$(sed 's/[][\\.*^$+?(){}|]/\\&/g' <<< "$PWD/src/")
+if ! run-clang-tidy -quiet -j "$(nproc)" -p "$work" "^$sources" > "$work/report" 2>&1 ||
     grep -q -E 'warning:|error:' "$work/report"; then
     sed 's/\x1b\[[0-9;]*m//g' "$work/report" | grep -v -E '^clang-tidy|warnings? generated|^$' >&2 || true
     failed=1

@@ -18,6 +18,8 @@ packages=(
     python3-matplotlib # fluvane-view: pictures
     python3-vtk9     # the tests of fluvane-view read its files back
     dpkg-dev         # dpkg-shlibdeps: what the package depends on
+    file             # tells it which of its files are programs
+    groff            # checks the manual pages
     desktop-file-utils # checks the menu entry
     appstream        # checks its description
     mandoc           # checks the manual pages

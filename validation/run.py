@@ -77,6 +77,9 @@ def main():
     out = (options.out or ROOT / "build/validation" / size).resolve()
     program = options.program.resolve()
     cases = list_cases(program, size)
+    unknown = set(options.only or ()) - {name for name, _ in cases}
+    if unknown:
+        sys.exit(f"there is no case {', '.join(sorted(unknown))}; the cases: {', '.join(name for name, _ in cases)}")
     wanted = [] if options.no_run else [c for c in cases if not options.only or c[0] in options.only]
     start = time.monotonic()
     results = run_all(program, wanted, size, out, options.jobs)

@@ -12,7 +12,7 @@ from installed_tree import (BUILD, COMPANIONS, VERSION, InstalledTree, check_com
 
 def setUpModule():
     global package, unpacked
-    for program in ("dpkg-deb", "dpkg-shlibdeps"):
+    for program in ("dpkg-deb", "dpkg-shlibdeps", "file"):
         if not shutil.which(program):
             raise unittest.SkipTest(f"{program} is not installed")
     folder = tempfile.TemporaryDirectory()

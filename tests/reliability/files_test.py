@@ -82,6 +82,12 @@ def full_disk(programs, folder, command, usual):
     return True
 
 
+def reachable_by_nobody(program):
+    """May somebody who owns nothing start the program? Not below a home that is closed, such as root's."""
+    return os.geteuid() != 0 or subprocess.run(["test", "-x", program], preexec_fn=lambda: os.setuid(NOBODY),
+                                               check=False).returncode == 0
+
+
 def read_only(programs, folder, usual):
     closed = folder / "closed"
     closed.mkdir()
@@ -124,6 +130,7 @@ def vanishing(programs, folder):
 
 def run(programs):
     mounted = True
+    closed = reachable_by_nobody(pathlib.Path(programs) / WINDOW[0])
     for command in (WINDOW, TRANSIENT):
         with tempfile.TemporaryDirectory() as name:
             folder = pathlib.Path(name)
@@ -132,12 +139,13 @@ def run(programs):
             file_size_limit(programs, folder, command, usual)
             mounted = full_disk(programs, folder, command, usual) and mounted
             missing(programs, folder, command, usual)
-            if command is WINDOW:
+            if command is WINDOW and closed:
                 read_only(programs, folder, usual)
-            else:
+            elif command is TRANSIENT:
                 vanishing(programs, folder)
     print("file size limit, " + ("full disk, " if mounted else "(no full disk: nothing may be mounted), ") +
-          "missing, closed and vanishing folder: run and window went on, standard error named the files")
+          "missing, " + ("closed " if closed else "(not closed: nobody else may start the program) ") +
+          "and vanishing folder: run and window went on, standard error named the files")
 
 
 if __name__ == "__main__":

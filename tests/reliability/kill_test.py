@@ -21,7 +21,10 @@ HISTORY_INTERVAL = 100
 def is_writing(pid, folder):
     """Has the process a file of the folder open that has no name yet, or a temporary one?"""
     for descriptor in pathlib.Path(f"/proc/{pid}/fd").iterdir():
-        target = os.readlink(descriptor)
+        try:
+            target = os.readlink(descriptor)
+        except FileNotFoundError:  # closed meanwhile: the process stops a moment after it is told to
+            continue
         if target.startswith(str(folder)) and (target.endswith("(deleted)") or ".dat." in target):
             return True
     return False

@@ -11,6 +11,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileDialog>
 #include <QImage>
 #include <QLabel>
@@ -337,6 +338,15 @@ QString caseHelp() {
     return QStringLiteral("The case to take: ") + names.join(QStringLiteral(", ")) + '.';
 }
 
+/// A file in the folders that tours filled.
+constexpr char markerName[] = ".made-by-the-tour";
+
+/// Removes what an earlier tour left; nothing else, whatever was typed for a folder.
+bool emptied(QDir& folder) {
+    return !folder.exists() || folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot) ||
+           (folder.exists(QString::fromLatin1(markerName)) && folder.removeRecursively());
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -361,9 +371,14 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     QDir output(arguments.at(1));
-    output.removeRecursively();
-    if (!output.mkpath(QStringLiteral("results"))) {
-        std::fprintf(stderr, "cannot make the folder %s\n", qPrintable(output.path()));
+    if (!emptied(output)) {
+        std::fprintf(stderr, "%s holds files that no tour made; choose another folder\n",
+                     qPrintable(output.absolutePath()));
+        return 1;
+    }
+    QFile marker(output.filePath(QString::fromLatin1(markerName)));
+    if (!output.mkpath(QStringLiteral("results")) || !marker.open(QIODevice::WriteOnly)) {
+        std::fprintf(stderr, "cannot write into the folder %s\n", qPrintable(output.path()));
         return 1;
     }
     const QString outputFolder = output.absolutePath();
