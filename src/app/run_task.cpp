@@ -6,6 +6,7 @@
 #include "solver2d/drivers.h"
 #include "solver3d/drivers.h"
 
+#include <QThreadPool>
 #include <QtConcurrent>
 #include <algorithm>
 #include <exception>
@@ -36,11 +37,19 @@ void runDriver(const RunTask& t) {
     }
 }
 
+/// A run keeps a thread of the pool for itself, and the toolkit waits for others in it, for instance to
+/// convert the icon of a window that is shown: on a single processor the window would wait for the run.
+void keepAThreadForTheToolkit() {
+    QThreadPool* const pool = QThreadPool::globalInstance();
+    pool->setMaxThreadCount(std::max(pool->maxThreadCount(), 2));
+}
+
 } // namespace
 
 bool startRunTask(const RunTask& task) {
     if (!fluvane::tryStartRun())
         return false;
+    keepAThreadForTheToolkit();
     QtConcurrent::run([task] { runDriver(task); });
     return true;
 }

@@ -4,6 +4,8 @@
 #include "shell_fixture.h"
 
 #include <QMutex>
+#include <QSemaphore>
+#include <QtConcurrent>
 
 class RunTaskTest : public QObject {
     Q_OBJECT
@@ -36,6 +38,28 @@ private slots:
         QTRY_VERIFY(QThreadPool::globalInstance()->activeThreadCount() == 0);
         QVERIFY(said.contains("Compute done"));
         QVERIFY(QFile::exists(folder.filePath("run_1.dat")));
+    }
+
+    void theToolkitHasAThreadOfThePoolBesideTheRunOnASingleProcessor() {
+        QThreadPool* const pool = QThreadPool::globalInstance();
+        const int before = pool->maxThreadCount();
+        pool->setMaxThreadCount(1);
+        const QTemporaryDir folder;
+        RunTask task;
+        task.steps = 1;
+        task.fileName = folder.filePath("run.dat");
+        QSemaphore toolkitRan;
+        fluvane::setTerminalSink([&toolkitRan](const QString&) {
+            if (fluvane::runActive()) // the run waits in its line for a job of the toolkit, as the window
+                                      // would
+                toolkitRan.tryAcquire(1, 5000);
+        });
+        QVERIFY(startRunTask(task));
+        QtConcurrent::run([&toolkitRan] { toolkitRan.release(100); });
+        QVERIFY(toolkitRan.tryAcquire(1, 4000));
+        QTRY_VERIFY(!fluvane::runActive());
+        pool->waitForDone();
+        pool->setMaxThreadCount(before);
     }
 
     void aSecondRunIsNotStarted() {
