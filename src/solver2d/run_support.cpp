@@ -73,7 +73,8 @@ void setThreads(unsigned threads) {
 }
 
 QString baseName(const QString& fileName) {
-    return QString(fileName).remove(".dat");
+    const int nameStart = static_cast<int>(fileName.lastIndexOf('/')) + 1;
+    return fileName.left(nameStart) + fileName.mid(nameStart).remove(".dat");
 }
 
 void sayEnd(std::clock_t start) {

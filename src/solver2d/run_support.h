@@ -23,7 +23,7 @@ bool canRun(bool is3D, int saveInterval);
 /// The threads of every later parallel loop of the calling thread; 0 leaves them as they are.
 void setThreads(unsigned threads);
 
-/// The result file's name without any ".dat".
+/// The result file's path, its name without any ".dat"; folders keep theirs.
 QString baseName(const QString& fileName);
 
 /// "Compute done", and the clock ticks since `start`.

@@ -115,6 +115,12 @@ TEST_F(Drivers, NegativeCountRunsNoStepAndWritesTheStateAsItIs) {
     expectNormalEnd();
 }
 
+TEST_F(Drivers, ResultsGoToTheFolderThatWasChosenWhateverItsName) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir("my.data"));
+    EXPECT_TRUE(steady(-1, 1, 1e-9, "my.data/run.dat"));
+    EXPECT_TRUE(QFile::exists(folder.filePath("my.data/run_0.dat")));
+}
+
 TEST_F(Drivers, EveryDotDatIsTakenOutOfTheNameAndOnlyLowerCase) {
     EXPECT_TRUE(steady(-1, 1, 1e-9, "a.dat.dat"));
     EXPECT_TRUE(steady(-1, 1, 1e-9, "b"));

@@ -243,6 +243,12 @@ TEST_F(Drivers3D, NaNAfterTheLastStepIsWrittenButEndsTheRunWithoutAWord) {
     EXPECT_TRUE(content("run_3.dat").contains("nan"));
 }
 
+TEST_F(Drivers3D, ResultsGoToTheFolderThatWasChosenWhateverItsName) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir("my.data"));
+    EXPECT_TRUE(run(-1, 1, "my.data/run.dat"));
+    EXPECT_TRUE(QFile::exists(folder.filePath("my.data/run_0.dat")));
+}
+
 TEST_F(Drivers3D, EveryDotDatIsTakenOutOfTheNameAndOnlyLowerCase) {
     EXPECT_TRUE(run(-1, 1, "a.dat.dat"));
     EXPECT_TRUE(run(-1, 1, "b"));
