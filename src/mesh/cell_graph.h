@@ -337,7 +337,8 @@ bool connectCells(const FaceTable<Records>& faces, CellTable<Records>& cells) {
 template <class Records>
 using Rings = std::array<std::int32_t, Records::Cell::maxFaces*(1 + Records::Cell::maxFaces)>;
 
-/// The neighbours of a cell: the cells across its faces, then theirs, each once. Returns their number.
+/// The neighbours of a cell: the cells across its faces, then those of theirs that are not there yet. Returns
+/// their number.
 /// `seenFrom` tells of each cell from which one it was seen last, counted from 1.
 template <class Records>
 std::int32_t collectNeighbours(const CellTable<Records>& cells, std::int32_t c,

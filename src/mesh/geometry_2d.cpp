@@ -141,8 +141,9 @@ void setAreaVectors(CellRecord& cell, const Links& links, const Faces& faces, co
 }
 
 /// Fills the records of the faces of which this is the first cell, each face thus once. Of a face that a cell
-/// has twice the first area vector counts.
-void finishFaces(const CellRecord& cell, std::int32_t c, const Links& links, const Faces& faces) {
+/// has twice the first area vector counts. Whether all have a length.
+bool finishFaces(const CellRecord& cell, std::int32_t c, const Links& links, const Faces& faces) {
+    bool allLong = true;
     for (auto k = static_cast<std::size_t>(links.faceCount); k-- > 0;) {
         const auto i = static_cast<std::size_t>(links.faces[k]);
         if (faces[i].c0 != c)
@@ -155,7 +156,9 @@ void finishFaces(const CellRecord& cell, std::int32_t c, const Links& links, con
         face.S0x = cell.S[k].x;
         face.S0y = cell.S[k].y;
         face.length = edge.length();
+        allLong &= face.length > 0.0;
     }
+    return allLong;
 }
 
 /// The polygon's area from the clockwise nodes; 0 for other shapes than triangles and quadrilaterals.
@@ -208,15 +211,15 @@ bool setWeights(const Vec2& centre, std::span<const std::int32_t> neighbours, co
     return true;
 }
 
-/// Fills a cell's record but for its weights.
-void shapeCell(CellRecord& cell, std::int32_t c, const Links& links, const Faces& faces, const Vec2& centre) {
+/// Fills a cell's record but for its weights, and the records of its faces as finishFaces() does.
+bool shapeCell(CellRecord& cell, std::int32_t c, const Links& links, const Faces& faces, const Vec2& centre) {
     const std::span<std::int32_t> nodes(cell.nodes.data(), static_cast<std::size_t>(links.nodeCount));
     cell.xc = centre.x;
     cell.yc = centre.y;
     orderNodes(nodes, centre);
     setAreaVectors(cell, links, faces, centre);
     cell.area = areaOf(nodes);
-    finishFaces(cell, c, links, faces);
+    return finishFaces(cell, c, links, faces);
 }
 
 /// Asks for the face records that finishFaces() will fill.
@@ -236,7 +239,8 @@ bool shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) 
     FlawedCells unnamed;
     FlawedCells singular;
     FlawedCells open;
-#pragma omp parallel for schedule(static) reduction(addFlaws : unnamed, singular, open)
+    FlawedCells pointed;
+#pragma omp parallel for schedule(static) reduction(addFlaws : unnamed, singular, open, pointed)
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
         if (const std::int32_t soon = slot + ahead; soon < mesh.cellCount) {
             const std::size_t s = order.number(static_cast<std::size_t>(soon));
@@ -248,7 +252,8 @@ bool shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) 
         CellRecord& cell = mesh.cells2D.data()[slot];
         fillConnections(cells[i], slot, cell);
         const Vec2& centre = centres[static_cast<std::size_t>(slot)];
-        shapeCell(cell, c, cells[i], faces, centre);
+        if (!shapeCell(cell, c, cells[i], faces, centre))
+            pointed.add(c);
         if (!setWeights(centre, neighbourSlotsOf(slot), centres, cell.lsq))
             singular.add(c);
         if (cell.faceCount == 0)
@@ -262,6 +267,7 @@ bool shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) 
                            QStringLiteral("the neighbours lie on one line, gradient weights are 0"));
     reportCells<Records2D>(open, QStringLiteral("the faces do not run round the cell in one direction, its "
                                                 "area and centre are wrong"));
+    reportCells<Records2D>(pointed, QStringLiteral("a face has no length, the time step will be 0"));
     return true;
 }
 

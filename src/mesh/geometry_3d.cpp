@@ -225,14 +225,16 @@ bool setWeights(const Vec3& centre, std::span<const std::int32_t> neighbours, co
     return true;
 }
 
-/// Fills the cells' records and weights. False, with one problem line, when cells are no tetrahedra.
+/// Fills the cells' records and weights. False, with one problem line, when cells are named by no face or are
+/// no tetrahedra.
 bool shapeCells(const Cells& cells, const Centres& centres) {
     constexpr std::int32_t ahead = 12;
     const StorageOrder& order = mesh.cells3D.order();
+    FlawedCells unnamed;
     FlawedCells otherShapes;
     FlawedCells flat;
     FlawedCells singular;
-#pragma omp parallel for schedule(static) reduction(addFlaws : otherShapes, flat, singular)
+#pragma omp parallel for schedule(static) reduction(addFlaws : unnamed, otherShapes, flat, singular)
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
         if (const std::int32_t soon = slot + ahead; soon < mesh.cellCount)
             prefetchCell(mesh.cells3D.data()[soon], cells[order.number(static_cast<std::size_t>(soon))]);
@@ -247,11 +249,15 @@ bool shapeCells(const Cells& cells, const Centres& centres) {
         cell.zc = centre.z;
         if (cell.nodeCount == 4 && !setVolume(cell))
             flat.add(c);
+        if (cell.faceCount == 0)
+            unnamed.add(c);
         if (!collectFaces(cell, c))
             otherShapes.add(c);
         if (!setWeights(centre, neighbourSlotsOf(slot), centres, cell.lsq))
             singular.add(c);
     }
+    if (unnamed.count > 0)
+        return refuseUnnamedCell(unnamed.first);
     reportCells<Records3D>(otherShapes, QStringLiteral("the cell is not a tetrahedron of four triangles, and "
                                                        "the 3D solver works on tetrahedra only"));
     if (otherShapes.count > 0)

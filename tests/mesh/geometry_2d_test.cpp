@@ -393,6 +393,17 @@ TEST_F(Geometry2DTest, FifthFaceOrNodeOfACellIsRefusedWithLineAndCell) {
     expectRefused({"hand.msh", "line 44", "cell 1", "four"});
 }
 
+TEST_F(Geometry2DTest, FacesWithoutALengthAreSaidSinceTheTimeStepFollowsTheShortest) {
+    // Two squares of which the second is drawn to a point: two of its nodes lie in one place.
+    setMeshOfCells({{0, 0}, {1, 0}, {1, 1}, {0, 1}, {2, 0}, {2, 0}}, {{0, 1, 2, 3}, {1, 4, 5, 2}});
+    ASSERT_TRUE(buildGeometry2D());
+    EXPECT_EQ(minFaceLength2D(), 0.0);
+    EXPECT_GT(mesh.cells2D[1].area, 0.0);
+    const std::string all = problems(2);
+    EXPECT_NE(all.find("cell 2: a face has no length"), std::string::npos) << all;
+    EXPECT_NE(all.find("(1 in all)"), std::string::npos) << all;
+}
+
 TEST_F(Geometry2DTest, CellNumberThatNoFaceNamesIsRefused) {
     setMesh(unitSquare, {{0, 1, 0, 3}, {1, 2, 0, 1}}, {{2, 3, 0, -1}});
     expectRefused({"hand.msh", "cell 3", "a face that names the cell"});
