@@ -36,6 +36,15 @@ public:
     /// Deliberate: the sums are never set back. After a report they hold the printed means, and the next
     /// report adds the new area-weighted sums to them and divides by the grown area.
     void report(int n) {
+        const double Fo = accumulate(n);
+        m_fractionFile.append(Fo, m_fraction);
+        m_meanFile.append(Fo, m_temperature);
+    }
+
+private:
+    /// Returns the Fourier number of the same instant. The files are written without the gate: they may lie
+    /// where writing takes long.
+    double accumulate(int n) {
         const RunHold hold;
         for (const CellRecord& cell : mesh.cells2D) {
             m_fraction += cell.area * liquidFraction(cell.H);
@@ -44,11 +53,9 @@ public:
         }
         m_fraction /= m_area;
         m_temperature /= m_area;
-        m_fractionFile.append(fourierNumber(n), m_fraction);
-        m_meanFile.append(fourierNumber(n), m_temperature);
+        return fourierNumber(n);
     }
 
-private:
     HistoryFile m_fractionFile;
     HistoryFile m_meanFile;
     double m_fraction = 0.0;
