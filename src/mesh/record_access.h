@@ -43,14 +43,17 @@ inline std::int32_t* nodesOfCell(const void* part) {
     return mesh.cellNodes2D.data() + slot * std::size_t{CellRecord::maxNodes};
 }
 
-/// The array is made when it is first asked for.
 inline double* liquidFractionOfWall(const void* part) {
     const std::size_t slot = mesh.faces2D.slotOf(part);
-    if (slot >= mesh.faces2D.size())
-        return nullptr;
-    if (mesh.wallLiquidFractions.size() != mesh.faces2D.size())
+    return slot < mesh.wallLiquidFractions.size() ? mesh.wallLiquidFractions.data() + slot : nullptr;
+}
+
+/// The array is made when a number other than 0 is first set.
+inline double* liquidFractionToSet(const void* part) {
+    if (mesh.faces2D.slotOf(part) < mesh.faces2D.size() &&
+        mesh.wallLiquidFractions.size() != mesh.faces2D.size())
         mesh.wallLiquidFractions = HugeArray<double>(mesh.faces2D.size());
-    return mesh.wallLiquidFractions.data() + slot;
+    return liquidFractionOfWall(part);
 }
 
 /// Where the neighbours of a cell begin in the lists; at their start before they are there.

@@ -35,15 +35,16 @@ public:
 };
 
 /// A number that lies in an array of its own, for those that are rarely set. `find` gets the address of the
-/// member and gives that of the number; null for a record outside the mesh, whose number is always T{}.
-template <class T, T* (*find)(const void*)>
+/// member and gives that of the number, and `make` does so after making an array that is not there yet; null
+/// while there is none, and for a record outside the mesh: the number is then T{}.
+template <class T, T* (*find)(const void*), T* (*make)(const void*)>
 class ApartField {
 public:
     ApartField() = default;
     ApartField(const ApartField&) = default;
     ApartField& operator=(const ApartField& other) { return *this = static_cast<T>(other); }
     ApartField& operator=(T value) {
-        if (T* const number = find(this))
+        if (T* const number = value == T{} ? find(this) : make(this))
             *number = value;
         return *this;
     }

@@ -53,6 +53,7 @@ template <class Record, class Weight>
 Weight* weightsOf(const void* part);
 std::int32_t* nodesOfCell(const void* part);
 double* liquidFractionOfWall(const void* part);
+double* liquidFractionToSet(const void* part);
 double secondAreaX(const void* part);
 double secondAreaY(const void* part);
 
@@ -132,7 +133,7 @@ struct alignas(64) FaceRecord {
     std::int32_t n1 = -1;
 
     /// Wall liquid fraction; no kernel reads it.
-    [[no_unique_address]] ApartField<double, &liquidFractionOfWall> fl;
+    [[no_unique_address]] ApartField<double, &liquidFractionOfWall, &liquidFractionToSet> fl;
     /// Area vector pointing out of c1, which keeps it; 0 on boundary faces.
     [[no_unique_address]] ComputedField<double, &secondAreaX> S1x;
     [[no_unique_address]] ComputedField<double, &secondAreaY> S1y;
