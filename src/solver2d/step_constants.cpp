@@ -49,7 +49,6 @@ StepConstants commonConstants() {
     c.dt = s.dt;
     c.halfStep = s.dt / 2.0;
     c.quarterStep = s.dt / 4.0;
-    c.RT = s.RT;
     c.alpha = s.alpha;
     c.tauG = s.tauG;
     c.polynomial = polynomialFactors(s.RT);

@@ -47,7 +47,6 @@ struct StepConstants {
     double dt = 0.0;
     double halfStep = 0.0;    ///< h = dt / 2
     double quarterStep = 0.0; ///< dt / 4
-    double RT = 0.0;
     double alpha = 0.0;
     double tauG = 0.0;
     PolynomialFactors polynomial;
