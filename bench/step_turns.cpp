@@ -25,10 +25,12 @@ public:
         : m_cells(cells), m_repetitions(std::max(1, static_cast<int>(1e5 / cells))),
           m_warmUps(cells < 2e5 ? std::max(1, m_repetitions / 2) : 0) {}
 
-    /// Steps of the program, on a team that stays together as in a run.
+    /// Steps of the program, on a team that stays together as in a run; it has some steps to find the shares
+    /// of its threads.
     void take(const std::string& name, int threads, const Step& step) {
+        constexpr int found = 8;
         omp_set_num_threads(threads);
-        withTeam([&] { sample(name, step); });
+        withTeam([&] { sample(name, step, threads > 1 ? std::max(m_warmUps, found) : m_warmUps); });
     }
     /// Steps of the plain reference, which gathers its threads itself.
     void takePlain(const std::string& name, int threads, const Step& step) {
@@ -37,7 +39,7 @@ public:
         {
             // Starts the threads, so that no sample pays for it.
         }
-        sample(name, step);
+        sample(name, step, m_warmUps);
     }
     double nanosecondsPerCell(const std::string& name) const {
         return median(m_seconds.at(name)) / m_cells * 1e9;
@@ -62,9 +64,9 @@ public:
     }
 
 private:
-    void sample(const std::string& name, const Step& step) {
+    void sample(const std::string& name, const Step& step, int warmUps) {
         // On small meshes the threads of the turn before still spin, and the caches hold its data.
-        secondsPerCall(m_warmUps, step);
+        secondsPerCall(warmUps, step);
         m_seconds[name].push_back(secondsPerCall(m_repetitions, step));
     }
 
