@@ -4,10 +4,19 @@ import csv
 import os
 import subprocess
 import unittest
+from unittest import mock
 
 import numpy
 import view_data
+from fluvane_view import command, plots
 from PIL import Image
+
+
+def rewrite(path, change, name="mixed_600.dat"):
+    """Writes the result file of that name with what `change` makes of the lines behind its header, one a number."""
+    lines = (view_data.DATA / name).read_bytes().split(b"\r\n")
+    first = next(i for i, line in enumerate(lines) if line.startswith(b"VARLOCATION")) + 1
+    path.write_bytes(b"\r\n".join(lines[:first] + change(lines[first:])))
 
 
 class CommandLine(unittest.TestCase):
@@ -116,11 +125,107 @@ class CommandLine(unittest.TestCase):
         self.assertTrue(set(table["T"][1:]) <= set(own))
         self.assertEqual(table["s"].tolist(), [0.0, 1.0, 2.0, 3.0])
 
+    def test_line_through_cells_without_drawable_values_says_so(self):
+        folder = view_data.folder_with(self)
+        for value in (b"nan", b"1e200"):
+            # Before T stand two coordinates of 49 points and three variables of 60 cells.
+            rewrite(folder / "a_0.dat", lambda lines: lines[:278] + [value] * 60 + lines[338:])
+            done = view_data.run("line", "a_0.dat", "--show", "T", "u", "-o", "a.svg", cwd=folder)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertEqual((folder / "a.svg").read_text().count("not finite, or beyond 1e100"), 1)
+            self.assertIn("near what is not finite or beyond 1e100", (folder / "a.csv").read_text())
+            table = self.table(folder / "a.csv")
+            self.assertTrue(numpy.isnan(table["T"]).all() and numpy.isfinite(table["u"]).all())
+            done = view_data.run("line", "a_0.dat", "--show", "T", "-o", "b.svg", cwd=folder)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            done = view_data.run("line", "a_0.dat", "--show", "T", "--through", "5", "5", cwd=folder)
+            self.assertIn("found one beside it", done.stderr)
+
+    def test_dollars_are_letters(self):
+        folder = view_data.folder_with(self, "mixed_600.dat")
+        name = r"a$\x$_600"
+        text = (folder / "mixed_600.dat").read_bytes().replace(b'"rho"', rb'"$\x$"')
+        (folder / (name + ".dat")).write_bytes(text)
+        for source, copy in (("melt_fl.txt", r"b$\x$_fl.txt"), ("mixed_terminal.txt", r"c$\x$.txt")):
+            (folder / copy).write_bytes((view_data.DATA / source).read_bytes())
+            self.assertEqual(self.made(folder, copy), [copy[:-4] + ".png"])
+        made = self.made(folder, "line", name + ".dat", "--show", r"$\x$")
+        self.assertEqual(made, [name + "_line.csv", name + "_line.png"])
+        self.made(folder, name + ".dat", "--show", r"$\x$", "-o", "a.svg")
+        # Letter by letter, as comments of the file tell.
+        self.assertEqual((folder / "a.svg").read_text().count(r"$\x$"), 2)
+        self.made(folder, "mixed_600.dat", "--title", r"$\foo$", "-o", "b.svg")
+        self.assertIn(r"$\foo$", (folder / "b.svg").read_text())
+
     def test_history_is_plotted_with_and_without_its_accumulation(self):
         folder = view_data.folder_with(self, "melt_fl.txt", "melt_Tave.txt", "melt_0.dat")
         self.made(folder, "history", "melt_fl.txt", "melt_Tave.txt", "-o", "means.png")
         self.made(folder, "history", "melt_fl.txt", "melt_Tave.txt", "--as-written", "-o", "written.png")
         self.assertNotEqual((folder / "means.png").read_bytes(), (folder / "written.png").read_bytes())
+
+    def test_each_history_is_divided_by_the_area_of_its_own_run(self):
+        folder = view_data.folder_with(self, "melt_0.dat")
+        for name in ("big[1]_0.dat", "lone_wide_0.dat"):
+            # The two coordinates of 49 points, doubled.
+            rewrite(folder / name, lambda rows: [b"%g" % (2 * float(x)) for x in rows[:98]] + rows[98:], "melt_0.dat")
+        runs = ("melt", "big[1]", "lone")
+        for run in runs:
+            (folder / f"{run}_fl.txt").write_bytes((view_data.DATA / "melt_fl.txt").read_bytes())
+        with mock.patch.object(plots, "means_of_moments", wraps=plots.means_of_moments) as means:
+            self.made(folder, "history", *(f"{run}_fl.txt" for run in runs), "-o", "a.png")
+        areas = [call.args[1] for call in means.call_args_list]
+        numpy.testing.assert_allclose(areas, [1.0, 4.0], rtol=1e-5)
+
+    def test_output_goes_where_a_link_leads_in_the_format_of_its_own_name(self):
+        folder = view_data.folder_with(self, "mixed_600.dat")
+        for old in (True, False):
+            (folder / "link.png").symlink_to("kept")
+            if old:
+                (folder / "kept").write_text("old")
+            done = view_data.run("picture", "mixed_600.dat", "-o", "link.png", cwd=folder)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertTrue((folder / "link.png").is_symlink())
+            self.assertEqual((folder / "kept").read_bytes()[:4], b"\x89PNG")
+            for name in ("link.png", "kept"):
+                (folder / name).unlink()
+        self.assertEqual(os.listdir(folder), ["mixed_600.dat"])
+
+    def test_pipe_takes_the_output_and_stays(self):
+        folder = view_data.folder_with(self, "mixed_600.dat")
+        os.mkfifo(folder / "pipe.dat")
+        (folder / "link.dat").symlink_to("pipe.dat")
+        for name in ("pipe.dat", "link.dat"):
+            end = os.open(folder / "pipe.dat", os.O_RDONLY | os.O_NONBLOCK)
+            self.addCleanup(os.close, end)
+            done = view_data.run("tecplot", "mixed_600.dat", "-o", name, cwd=folder)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertTrue((folder / "pipe.dat").is_fifo() and (folder / "link.dat").is_symlink())
+            self.assertTrue(os.read(end, 60000).startswith(b"TITLE"))
+        self.assertEqual(sorted(os.listdir(folder)), ["link.dat", "mixed_600.dat", "pipe.dat"])
+
+    def test_closed_standard_output_keeps_nobody_from_making_files(self):
+        folder = view_data.folder_with(self, "mixed_600.dat")
+
+        def run_closed(*arguments):
+            words = ["sh", "-c", 'exec "$@" >&-', "sh", view_data.SCRIPT, *arguments]
+            return subprocess.run(words, cwd=folder, stderr=subprocess.PIPE, text=True)
+
+        done = run_closed("vtu", "mixed_600.dat")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertTrue((folder / "mixed_600.vtu").exists())
+        done = run_closed("info", "mixed_600.dat")
+        expected = "fluvane-view: standard output: expected to be open, found it closed\n"
+        self.assertEqual((done.returncode, done.stderr), (1, expected))
+
+    def test_full_standard_output_is_named(self):
+        folder = view_data.folder_with(self, "mixed_600.dat")
+        for arguments in (["info", "mixed_600.dat"], ["tecplot", "mixed_600.dat"], ["--help"]):
+            with open("/dev/full", "w") as full:
+                done = subprocess.run(
+                    [view_data.SCRIPT, *arguments], cwd=folder, stdout=full, stderr=subprocess.PIPE, text=True
+                )
+            self.assertEqual(done.returncode, 1)
+            self.assertEqual(done.stderr, "fluvane-view: standard output: No space left on device\n")
 
     def test_help_has_examples_for_every_command(self):
         overview = view_data.run("--help")
@@ -152,6 +257,13 @@ class Refusals(unittest.TestCase):
         lines = (folder / "mixed_600.dat").read_bytes().split(b"\r\n")
         lines[299] = b"warm"
         (folder / "bad_0.dat").write_bytes(b"\r\n".join(lines))
+        lines[7] = b'VARIABLES = "X", "Y"'
+        (folder / "mesh_0.dat").write_bytes(b"\r\n".join(lines))
+        for sub in ("r1", "r2", "out"):
+            (folder / sub).mkdir()
+            (folder / sub / "mixed_600.dat").symlink_to(folder / "mixed_600.dat")
+        (folder / "out" / "mixed_600.dat").unlink()
+        same = ["r1/mixed_600.dat", "r2/mixed_600.dat"]
         for arguments, *texts in (
             (["bad_0.dat"], "bad_0.dat:300: expected number 11 of 60 of T", '"warm"'),
             (["vtu", "bad_0.dat"], "bad_0.dat:300:"),
@@ -165,13 +277,31 @@ class Refusals(unittest.TestCase):
             (["picture", "cube_60.dat", "--front"], "expected the variable fl"),
             (["picture", "mixed_600.dat", "--slice", "z=0"], "expected a 3D result"),
             (["picture", "cube_60.dat", "--slice", "z=9"], "slice with z from 0 to 2, found 9"),
-            (["picture", "mixed_600.dat", "--range", "2", "1"], "LOW below HIGH"),
+            (["mesh_0.dat"], "mesh_0.dat:8: expected variables of the cells after X, Y"),
+            (["info", "mesh_0.dat"], "mesh_0.dat:8: expected variables of the cells after X, Y"),
+            (["picture", *same, "-o", "out"], "out/mixed_600.png: expected the output of one file there"),
+            (["vtu", *same, "-o", "out"], "out/mixed_600.vtu: expected the output of one file there"),
+            (["vtu", *same, "-o", "new"], "new/mixed_600.vtu: expected the output of one file there"),
+            (["vtu", *same], "expected files of one folder"),
+            (["tecplot", *same, "-o", "out"], "out/mixed_600_portable.dat: expected the output of one file there"),
+            (["line", *same, "-o", "out"], "out/mixed_600_line.png: expected the output of one file there"),
+            (["residuals", "mixed_600.dat", "mixed_600.txt"], "mixed_600.png: expected the output of one file there"),
+            (["line", "r.csv", "-o", "r.png"], "r.csv: expected another name for the output"),
+            (["picture", "mixed_600.dat", "--range", "2", "1"], "LOW below HIGH", "found 2.0 1.0"),
+            (["picture", "mixed_600.dat", "--range", "1", "1.0000000000000002"], "by more than rounding"),
+            (["picture", "mixed_600.dat", "--zoom", "0.5", "0", "0.5000000000000001", "1"], "X0 below X1", "rounding"),
+            (
+                ["picture", "mixed_600.dat", "--zoom", "0.9999999999999999", "0", "2", "1", "--streamlines"],
+                "found none of it there",
+            ),
             (["picture", "mixed_600.dat", "--zoom", "2", "2", "3", "3", "--vectors"], "found none of it there"),
             (["picture", "mixed_600.dat", "-o", "mixed_600.dat"], "that of an input"),
             (["picture", "mixed_600.dat", "-o", "a.bmp"], ".png, .pdf, .svg"),
             (["picture", "mixed_600.dat", "-o", "none/a.png"], "none/a.png", "No such file"),
             (["picture", "mixed_0.dat", "mixed_600.dat", "-o", "a.png"], "a.png: expected an existing folder"),
             (["animate", "mixed_0.dat", "-o", "a.mp4"], ".gif"),
+            (["line", "mixed_600.dat", "-o", "a.bmp"], "a.bmp: expected a name that ends in .png, .pdf, .svg"),
+            (["line", "mixed_600.dat", "--from", "0", "0", "--to", "1e-200", "0"], "two different ends"),
             (["line", "mixed_600.dat", "--along", "z"], "found --along z"),
             (["line", "mixed_600.dat", "--through", "1", "2", "3"], "2 coordinates, found 3"),
             (["line", "mixed_600.dat", "--from", "0", "0"], "both --from and --to"),
@@ -185,7 +315,7 @@ class Refusals(unittest.TestCase):
 
     def test_wrong_options_are_usage_errors(self):
         folder = view_data.folder_with(self, "mixed_600.dat")
-        for arguments, text in (
+        for arguments, *texts in (
             ([], "required"),
             (["picture"], "FILE"),
             (["picture", "mixed_600.dat", "--slice", "q=1"], "expected x=, y= or z="),
@@ -194,9 +324,19 @@ class Refusals(unittest.TestCase):
             (["picture", "mixed_600.dat", "--dpi", "1"], "20 to 1200"),
             (["picture", "mixed_600.dat", "--levels", "many"], "invalid int value"),
             (["line", "mixed_600.dat", "--count", "1"], "2 to 1000000"),
+            (["line", "mixed_600.dat", "--from", "nan", "0", "--to", "1", "1"], "--from: expected a number", '"nan"'),
+            (["line", "mixed_600.dat", "--from", "0", "0", "--to", "1", "1e300"], "--to: expected a number", '"1e300"'),
+            (["line", "mixed_600.dat", "--through", "0.5", "inf"], "--through: expected a number", '"inf"'),
+            (["picture", "mixed_600.dat", "--range", "0", "inf"], "--range: expected a number", '"inf"'),
+            (["picture", "mixed_600.dat", "--zoom", "0", "0", "far", "1"], "--zoom: expected a number", '"far"'),
         ):
             with self.subTest(arguments=arguments):
-                self.refuse(folder, arguments, text, code=2)
+                self.refuse(folder, arguments, *texts, code=2)
+
+    def test_what_nobody_expected_is_said_in_one_line(self):
+        folder = view_data.folder_with(self, "mixed_600.dat")
+        with mock.patch.object(command, "read_result", side_effect=ZeroDivisionError("a\nb")):
+            self.refuse(folder, ["info", "mixed_600.dat"], "an error of this program, ZeroDivisionError: a b")
 
 
 if __name__ == "__main__":

@@ -113,6 +113,13 @@ class Vtu(Exports):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertEqual(sorted(path.name for path in folder.iterdir()), ["cube_60.dat", "other.vtu"])
 
+    def test_folder_may_have_a_files_ending(self):
+        folder = view_data.folder_with(self, "cube_60.dat")
+        (folder / "out.vtu").mkdir()
+        done = view_data.run("vtu", folder / "cube_60.dat", "-o", folder / "out.vtu")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertTrue((folder / "out.vtu" / "cube_60.vtu").exists())
+
     def test_numbers_that_are_not_finite_survive(self):
         folder = view_data.folder_with(self)
         lines = (view_data.DATA / "cube_60.dat").read_bytes().split(b"\r\n")

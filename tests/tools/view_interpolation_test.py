@@ -156,6 +156,16 @@ class Space(unittest.TestCase):
         with self.assertRaisesRegex(ViewError, "expected cells at x = 3.5, found a gap"):
             Solid(result).slice(0, 3.5)
 
+    def test_slice_that_meets_only_a_corner_or_an_edge_is_refused(self):
+        result = read_result(view_data.DATA / "cube_60.dat")
+        result.points = numpy.array([[0.0, 0.0, 0.0], [1.0, 0.0, 0.0], [0.0, 1.0, 2.0], [0.0, -1.0, 3.0]])
+        result.cells = numpy.arange(4)[None, :]
+        solid = Solid(result)
+        for position in (0.0, 3.0):
+            with self.assertRaisesRegex(ViewError, f"expected cells at z = {position:g}, found only edges or corners"):
+                solid.slice(2, position)
+        self.assertGreater(area_of(solid.slice(2, 2.0)), 0.0)
+
     def test_boundary_is_closed_and_looks_outwards(self):
         faces = self.solid.points[self.solid.boundary]
         self.assertEqual(len(faces), 48)

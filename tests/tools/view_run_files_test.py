@@ -6,7 +6,7 @@ import unittest
 import numpy
 import view_data
 from fluvane_view.errors import ViewError
-from fluvane_view.run_files import label_of, moments_of, run_name, run_of
+from fluvane_view.run_files import files_of_run, label_of, moments_of, run_name, run_of
 from fluvane_view.run_texts import kind_of, means_of_moments, read_history, read_residuals
 
 
@@ -38,6 +38,10 @@ class Runs(unittest.TestCase):
         folder = self.make("a_0.dat", "a_10.dat", "a_10_portable.dat", "a_b_0.dat", "a_fl.txt", "a_10.png", "aa_0.dat")
         self.assertEqual(sorted(path.name for path in run_of([folder / "a_0.dat"])), ["a_0.dat", "a_10.dat"])
         self.assertEqual(run_name([folder / "a_b_0.dat"]), "a_b")
+
+    def test_brackets_in_a_runs_name_are_letters(self):
+        folder = self.make("a[1]_0.dat", "a[1]_wide_0.dat", "a1_0.dat", "a[1].dat", "a[1]_fl.txt")
+        self.assertEqual(files_of_run(folder, "a[1]"), [folder / "a[1]_0.dat"])
 
     def test_files_without_numbers_keep_their_order(self):
         moments = moments_of(["z.dat", "a.dat"])

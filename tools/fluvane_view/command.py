@@ -9,10 +9,10 @@ import warnings
 import numpy
 
 from .errors import ViewError
-from .look import STYLES, Look
-from .output import target
+from .look import STYLES, Look, apart
+from .output import refuse_clashes, targets
 from .result_file import read_result
-from .run_files import moments_of, run_name, run_of
+from .run_files import files_of_run, moments_of, run_name, run_of
 from .run_texts import kind_of
 from .solid import AXES
 
@@ -92,6 +92,17 @@ def _positive(kind, least, most):
     return convert
 
 
+def _finite(text):
+    try:
+        value = float(text)
+    except ValueError:
+        value = numpy.nan
+    # Greater ones could not be squared.
+    if not abs(value) < 1e100:
+        raise argparse.ArgumentTypeError(f'expected a number between -1e100 and 1e100, found "{text}"')
+    return value
+
+
 def _slice(text):
     axis, sign, position = text.partition("=")
     try:
@@ -115,7 +126,7 @@ def _add_look(parser):
     add("--show", metavar="NAME", help="variable to show: as in the file, or speed; default: T, else speed")
     add("--style", choices=STYLES, default="smooth", help="between cell centres and node means (default), flat, or not")
     add("--levels", type=_positive(int, 2, 256), default=64, help="number of colours of the smooth style, default 64")
-    add("--range", type=float, nargs=2, metavar=("LOW", "HIGH"), help="range of the colours")
+    add("--range", type=_finite, nargs=2, metavar=("LOW", "HIGH"), help="range of the colours")
     add("--colours", type=_colours, metavar="MAP", help="colour map of matplotlib")
     add("--isolines", metavar="NAME", help="lines of equal values of this variable")
     add("--isoline-count", type=_positive(int, 1, 200), default=12, help="how many of them, default 12")
@@ -123,7 +134,7 @@ def _add_look(parser):
     add("--streamlines", action="store_true", help="streamlines")
     add("--mesh", action="store_true", help="lines of the mesh")
     add("--front", action="store_true", help="where the liquid fraction is a half")
-    add("--zoom", type=float, nargs=4, metavar=("X0", "Y0", "X1", "Y1"), help="part of the plane to show")
+    add("--zoom", type=_finite, nargs=4, metavar=("X0", "Y0", "X1", "Y1"), help="part of the plane to show")
     add("--slice", type=_slice, metavar="AXIS=POSITION", help="3D: a plane, such as z=0.5")
     add("--boundary", action="store_true", help="3D: the boundary; default: three slices and the boundary")
     add("--title", help="instead of file name, parameters and time")
@@ -186,9 +197,9 @@ def _add_line(parser):
     add = parser.add_argument
     add("--show", nargs="+", metavar="NAME", help="variables; default: the velocity and T")
     add("--along", choices=AXES, help="from one end of the mesh to the other along this axis, default x")
-    add("--through", type=float, nargs="+", metavar="X", help="a point on that line; default: the middle of the mesh")
-    add("--from", dest="start", type=float, nargs="+", metavar="X", help="one end of a line")
-    add("--to", dest="end", type=float, nargs="+", metavar="X", help="the other end")
+    add("--through", type=_finite, nargs="+", metavar="X", help="a point on that line; default: the middle of the mesh")
+    add("--from", dest="start", type=_finite, nargs="+", metavar="X", help="one end of a line")
+    add("--to", dest="end", type=_finite, nargs="+", metavar="X", help="the other end")
     add("--count", type=_positive(int, 2, 1000000), default=201, help="number of places on the line, default 201")
     add("--own-values", action="store_true", help="the value of the cell around each place, without interpolation")
     _add_dpi(parser)
@@ -199,12 +210,18 @@ def _say(path):
     print(path)
 
 
+def _row(numbers):
+    return " ".join(map(str, numbers))
+
+
 def _look(arguments):
     a = arguments
-    if a.range and not a.range[0] < a.range[1]:
-        raise ViewError(f"expected --range LOW HIGH with LOW below HIGH, found {a.range[0]:g} {a.range[1]:g}")
-    if a.zoom and not (a.zoom[0] < a.zoom[2] and a.zoom[1] < a.zoom[3]):
-        raise ViewError("expected --zoom X0 Y0 X1 Y1 with X0 below X1 and Y0 below Y1")
+    if a.range and not apart(*a.range):
+        raise ViewError(f"expected --range LOW HIGH with LOW below HIGH by more than rounding, found {_row(a.range)}")
+    if a.zoom and not (apart(a.zoom[0], a.zoom[2]) and apart(a.zoom[1], a.zoom[3])):
+        raise ViewError(
+            f"expected --zoom X0 Y0 X1 Y1 with X0 below X1 and Y0 below Y1 by more than rounding, found {_row(a.zoom)}"
+        )
     return Look(
         show=a.show,
         style=a.style,
@@ -227,8 +244,7 @@ def _picture(a):
     from .pictures import View, save_picture
 
     look = _look(a)
-    for path in a.files:
-        out = target(a.files, path, ".png", a.out)
+    for path, out in zip(a.files, targets(a.files, ".png", a.out)):
         save_picture(path, out, look, View(a.slice, a.boundary))
         _say(out)
 
@@ -269,12 +285,17 @@ def _line_ends(a):
 
 
 def _line(a):
+    from .pictures import check_ending
     from .plots import sample_line, save_line_plot, save_line_table
 
     ends = _line_ends(a)
-    for path in a.files:
-        out = target(a.files, path, "_line.png", a.out)
-        plot, table = (out.with_suffix(".png"), out) if out.suffix == ".csv" else (out, out.with_suffix(".csv"))
+    outs = targets(a.files, "_line.png", a.out)
+    plots = [out.with_suffix(".png") if out.suffix == ".csv" else out for out in outs]
+    tables = [out.with_suffix(".csv") for out in outs]
+    refuse_clashes(a.files, plots + tables)
+    for plot in plots:
+        check_ending(plot)
+    for path, plot, table in zip(a.files, plots, tables):
         line = sample_line(path, a.show, ends, a.count, a.own_values)
         save_line_table(table, line)
         save_line_plot(plot, line, a.dpi)
@@ -285,8 +306,7 @@ def _line(a):
 def _residuals(a):
     from .plots import save_residuals
 
-    for path in a.files:
-        out = target(a.files, path, ".png", a.out)
+    for path, out in zip(a.files, targets(a.files, ".png", a.out)):
         save_residuals(path, out, a.dpi)
         _say(out)
 
@@ -294,17 +314,15 @@ def _residuals(a):
 def _history(a):
     from .plots import save_history
 
-    area = None if a.as_written else _area_of_run(a.files[0])
-    out = target(a.files[:1], a.files[0], ".png", a.out)
-    save_history(a.files, out, a.dpi, area)
+    (out,) = targets(a.files[:1], ".png", a.out)
+    save_history(a.files, out, a.dpi, (lambda _: None) if a.as_written else _area_of_run)
     _say(out)
 
 
 def _area_of_run(history):
     """The mesh's area from a result file of the history's run; None when there is none beside it."""
-    base = history.stem.rpartition("_")[0]
-    files = sorted(history.parent.glob(f"{base}_*.dat")) if base else []
-    for path in files:
+    run, bar, _ = history.stem.rpartition("_")
+    for path in sorted(files_of_run(history.parent, run)) if bar else []:
         result = read_result(path)
         if result.dimension == 2:
             a, b, c, d = (result.points[result.cells[:, i]] for i in range(4))
@@ -318,35 +336,34 @@ def _vtu(a):
     from .exports import save_series, save_vtu
 
     files = run_of(a.files) if a.run else a.files
-    single_file = len(files) == 1 and a.out is not None and a.out.suffix == ".vtu"
+    single_file = len(files) == 1 and a.out is not None and a.out.suffix == ".vtu" and not a.out.is_dir()
+    moments = moments_of(files)
+    outs = targets([moment.path for moment in moments], ".vtu", a.out, not single_file)
+    folders = {out.parent for out in outs}
+    if len(folders) > 1:
+        raise ViewError("expected files of one folder, or a folder after -o, for a time series")
+    series = outs[0].with_name(run_name([moments[0].path]) + ".pvd") if len(outs) > 1 else None
     if a.out is not None and not single_file:
         a.out.mkdir(parents=True, exist_ok=True)
-    moments = moments_of(files)
-    entries = []
-    for moment in moments:
-        out = target(files, moment.path, ".vtu", a.out)
+    for moment, out in zip(moments, outs):
         save_vtu(read_result(moment.path), out, moment.time if moment.label else None)
-        entries.append((moment.time, out.name))
         _say(out)
-    if len(entries) > 1:
-        folders = {moment.path.parent for moment in moments}
-        if a.out is None and len(folders) > 1:
-            raise ViewError("expected files of one folder, or a folder after -o, for a time series")
-        series = (a.out or folders.pop()) / (run_name([moments[0].path]) + ".pvd")
-        save_series(series, entries)
+    if series is not None:
+        save_series(series, [(moment.time, out.name) for moment, out in zip(moments, outs)])
         _say(series)
 
 
 def _tecplot(a):
     from .exports import save_portable
 
-    for path in a.files:
-        out = target(a.files, path, "_portable.dat", a.out)
+    for path, out in zip(a.files, targets(a.files, "_portable.dat", a.out)):
         save_portable(path, out)
         _say(out)
 
 
 def _info(a):
+    if sys.stdout is None:
+        raise ViewError("standard output: expected to be open, found it closed")
     for path in a.files:
         result = read_result(path)
         triangles = int(result.is_triangle().sum())
@@ -392,16 +409,32 @@ def _with_command(arguments):
     return [{"result": "picture"}.get(kind, kind), *arguments]
 
 
+def _run(arguments):
+    try:
+        parsed = make_parser().parse_args(_with_command(arguments))
+    except SystemExit as ended:  # after the help or a wrong option
+        return ended.code
+    _COMMANDS[parsed.command](parsed)
+    return 0
+
+
+def _give_up_output():
+    """What could not be written to standard output would be tried again at the end."""
+    if sys.stdout is not None:
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+
+
 def main(arguments):
     """Runs one command; returns the exit code: 1, with one line on standard error, for what cannot be done."""
     # What libraries would say about a field that is not finite, say, helps nobody here.
     warnings.simplefilter("ignore")
     numpy.seterr(all="ignore")
     try:
-        parsed = make_parser().parse_args(_with_command(arguments))
-        _COMMANDS[parsed.command](parsed)
-        sys.stdout.flush()
-        return 0
+        code = _run(arguments)
+        # None when the caller closed it, which keeps nobody from making files.
+        if sys.stdout is not None:
+            sys.stdout.flush()
+        return code
     except ViewError as error:
         message = str(error)
     except ImportError as error:
@@ -410,11 +443,16 @@ def main(arguments):
         message = "not enough memory"
     except BrokenPipeError:
         # Whoever read the output has gone; there is nobody to tell.
-        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        _give_up_output()
         return 1
     except OSError as error:
-        message = f"{error.filename}: {error.strerror}"
+        # Only standard output has no name.
+        if error.filename is None:
+            _give_up_output()
+        message = f"{error.filename or 'standard output'}: {error.strerror}"
     except KeyboardInterrupt:
         return 130
+    except Exception as error:
+        message = f"an error of this program, {type(error).__name__}: {error}"
     print("fluvane-view: " + " ".join(message.split("\n")), file=sys.stderr)
     return 1

@@ -63,6 +63,11 @@ def check(look, result):
         raise ViewError(f"{result.path}: expected the velocity u, v, found {', '.join(result.fields)}")
 
 
+def plain(text):
+    """The text as matplotlib shows it letter by letter: between two $ it would look for a formula."""
+    return text.replace("$", r"\$")
+
+
 def label_of(name, dimension):
     """2D files hold the velocity in units of the reference velocity, 3D files as it is."""
     unit = " / U0" if dimension == 2 else ""
@@ -70,7 +75,7 @@ def label_of(name, dimension):
     labels["fl"] = "liquid fraction fl"
     if name in ("u", "v", "w"):
         return name + unit
-    return labels.get(name, name)
+    return labels.get(name) or plain(name)
 
 
 def colours_of(look):
@@ -78,6 +83,11 @@ def colours_of(look):
         return look.colours
     names = {"T": "RdYlBu_r", "speed": "viridis", "fl": "Blues", "u": "RdBu_r", "v": "RdBu_r", "w": "RdBu_r"}
     return names.get(look.show, "cividis")
+
+
+def apart(low, high):
+    """Whether low lies below high by so much that rounding leaves places between them."""
+    return high - low > max(1e-12 * max(abs(low), abs(high)), 1e-100)
 
 
 def range_of(look, values):
@@ -112,6 +122,6 @@ def parameter_text(parameters):
 def title_of(look, result, label):
     """The file's name and, in a second line, the parameters and the moment."""
     if look.title is not None:
-        return look.title
+        return plain(look.title)
     second = ", ".join(text for text in (parameter_text(result.parameters), label) if text)
-    return result.path.stem + ("\n" + second if second else "")
+    return plain(result.path.stem) + ("\n" + second if second else "")

@@ -136,9 +136,13 @@ def _sheet_figure(sheet, look, limits, title, name):
     return figure
 
 
-def save_figure(figure, path, dpi):
+def check_ending(path):
     if path.suffix.lower() not in PICTURE_ENDINGS:
         raise ViewError(f"{path}: expected a name that ends in {', '.join(PICTURE_ENDINGS)}")
+
+
+def save_figure(figure, path, dpi):
+    check_ending(path)
     try:
         write_whole(path, lambda part: figure.savefig(part, dpi=dpi))
     finally:

@@ -5,7 +5,7 @@ import numpy
 from matplotlib import collections, tri
 
 from .errors import ViewError
-from .look import colours_of
+from .look import apart, colours_of
 
 _VECTORS_ACROSS = 26
 _STREAM_GRID = 240
@@ -116,7 +116,8 @@ def _velocity_on_grid(sheet, low, high, across):
     """(xs, ys, u, v) at the middles of square boxes, `across` of them over the longer side; nan outside."""
     sheet_low, sheet_high = sheet.bounds()
     low, high = numpy.maximum(low, sheet_low), numpy.minimum(high, sheet_high)
-    if (high <= low).any():
+    # Of less than rounding leaves there is no grid.
+    if not all(map(apart, low, high)):
         raise ViewError("expected --zoom to show a part of the mesh, found none of it there")
     counts = numpy.maximum(2, numpy.rint(across * (high - low) / (high - low).max())).astype(int)
     xs, ys = (low[i] + (numpy.arange(counts[i]) + 0.5) * (high[i] - low[i]) / counts[i] for i in (0, 1))

@@ -61,10 +61,18 @@ class Sheet:
         located = locate_on_grid(vertices, triangles, xs, ys)
         return [self._evaluate(located, triangles, name).reshape(len(ys), len(xs)) for name in names]
 
+    def _located(self, start, end, count):
+        vertices, triangles, _ = self.fans()
+        return locate_on_line(vertices, triangles, start, end, count)
+
+    def meets_line(self, start, end, count):
+        """Whether one of `count` places from start to end lies in a cell."""
+        return bool((self._located(start, end, count).simplex >= 0).any())
+
     def on_line(self, names, start, end, count, own_values=False):
         """Each field at `count` places from start to end; nan outside. own_values: the value of the cell around."""
-        vertices, triangles, owners = self.fans()
-        located = locate_on_line(vertices, triangles, start, end, count)
+        _, triangles, owners = self.fans()
+        located = self._located(start, end, count)
         if own_values:
             inside = located.simplex >= 0
             return [numpy.where(inside, self.cell_values(name)[owners[located.simplex]], numpy.nan) for name in names]

@@ -36,20 +36,20 @@ class Line:
 def sample_line(path, names, ends_of, count, own_values):
     """The Line through a result; ends_of(low, high) gives its two ends. Without names: the velocity and T.
 
-    Places outside the mesh have the value nan. ViewError when all are.
+    Places outside the mesh have the value nan, and those near a value that cannot be drawn. ViewError when all lie
+    outside.
     """
     result = read_result(path)
     names = names or [name for name in ("u", "v", "w", "T") if name in result.fields] or list(result.fields)
-    finite = [numpy.isfinite(result.field(name)).any() for name in names]
     mesh = PlaneResult(result) if result.dimension == 2 else Solid(result)
     start, end = ends_of(*mesh.bounds())
     if len(start) != result.dimension or len(end) != result.dimension:
         raise ViewError(f"{path}: expected points of {result.dimension} coordinates, found {len(start)}")
-    if (start == end).all():
+    if not any(looks.apart(*sorted(coordinates)) for coordinates in zip(start, end)):
         raise ViewError(f"{path}: expected two different ends of the line")
     columns = mesh.on_line(names, start, end, count, own_values)
     places = numpy.linspace(start, end, count)
-    if any(finite) and not any(numpy.isfinite(column).any() for column in columns):
+    if not any(numpy.isfinite(column).any() for column in columns) and not mesh.meets_line(start, end, count):
         low, high = mesh.bounds()
         box = " to ".join(str(tuple(float(f"{x:g}") for x in corner)) for corner in (low, high))
         raise ViewError(f"{path}: expected a line through the mesh, which lies in {box}, found one beside it")
@@ -63,7 +63,8 @@ def save_line_table(out, line):
 
     def write(part):
         with open(part, "w", encoding="utf-8", newline="\n") as file:
-            file.write(f"# {line.result.path}\n# interpolation: {line.interpolation()}; nan outside the mesh\n")
+            file.write(f"# {line.result.path}\n# interpolation: {line.interpolation()}; ")
+            file.write("nan outside the mesh and near what is not finite or beyond 1e100\n")
             file.write(",".join(head) + "\n")
             for row in table:
                 file.write(",".join(f"{value:.9g}" for value in row) + "\n")
@@ -95,11 +96,15 @@ def save_line_plot(out, line, dpi):
             axes.plot(over, columns[name], label=label, linewidth=1.5)
         if len(names) > 1:
             axes.legend()
+        if not any(numpy.isfinite(columns[name]).any() for name in names):
+            note = "not finite, or beyond 1e100, along the whole line"
+            axes.text(0.5, 0.5, note, ha="center", va="center", transform=axes.transAxes)
         axes.set_ylabel(", ".join(labels))
     axes.set_xlabel(along)
     figure.align_ylabels()
     parameters = ", ".join(text for text in (looks.parameter_text(result.parameters), label_of(result.path)) if text)
-    figure.suptitle(f"{result.path.stem}, {where}" + ("\n" + parameters if parameters else ""), fontsize=11)
+    title = f"{looks.plain(result.path.stem)}, {where}" + ("\n" + parameters if parameters else "")
+    figure.suptitle(title, fontsize=11)
     figure.text(0.99, 0.005, line.interpolation(), ha="right", va="bottom", fontsize=6, color="0.4")
     save_figure(figure, out, dpi)
 
@@ -154,18 +159,21 @@ def save_residuals(path, out, dpi):
     axes.set_xlabel("time steps")
     axes.set_ylabel("residual")
     axes.legend()
-    figure.suptitle(f"{path.stem}: change since the step before", fontsize=11)
+    figure.suptitle(f"{looks.plain(path.stem)}: change since the step before", fontsize=11)
     save_figure(figure, out, dpi)
 
 
 _MEANS = {"_fl": "mean liquid fraction", "_Tave": "mean temperature"}
 
 
-def save_history(paths, out, dpi, area):
-    """Histories over the Fourier number, each below the other; with an area the means of the moments."""
+def save_history(paths, out, dpi, area_of):
+    """Histories over the Fourier number, each below the other; of those with an area the means of the moments.
+
+    area_of(path) is the area of the mesh that a history belongs to, or None.
+    """
     figure = pyplot.figure(figsize=(7.2, 1.2 + 3.4 * len(paths)), layout="constrained")
     for i, path in enumerate(paths):
-        table = read_history(path)
+        table, area = read_history(path), area_of(path)
         values = means_of_moments(table[:, 1], area) if area else table[:, 1]
         axes = figure.add_subplot(len(paths), 1, i + 1)
         axes.plot(
@@ -174,6 +182,6 @@ def save_history(paths, out, dpi, area):
         axes.grid(True, color="0.88", linewidth=0.6)
         name = next((text for ending, text in _MEANS.items() if path.stem.endswith(ending)), "value")
         axes.set_ylabel(name if area else name + ",\naccumulated as written")
-        axes.set_title(path.stem, fontsize=10)
+        axes.set_title(looks.plain(path.stem), fontsize=10)
         axes.set_xlabel("Fourier number")
     save_figure(figure, out, dpi)

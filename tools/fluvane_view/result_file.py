@@ -146,6 +146,8 @@ def _make_header(path, lines, found, parameters):
     coordinates = _COORDINATES[match[3]]
     if variables[: len(coordinates)] != coordinates or len(set(variables)) != len(variables):
         raise bad_line(path, number, f"variables that begin with {', '.join(coordinates)}", f'"{text}"')
+    if len(variables) == len(coordinates):
+        raise bad_line(path, number, f"variables of the cells after {', '.join(coordinates)}", f'"{text}"')
     if int(match[1]) == 0 or int(match[2]) == 0:
         raise bad_line(path, found["ZONE"][0], "at least one point and one cell", f'"{zone}"')
     return Header(lines, variables, int(match[1]), int(match[2]), match[3], parameters)

@@ -50,7 +50,13 @@ def run_of(paths):
         return paths
     if not paths[0].exists():
         raise ViewError(f"{paths[0]}: expected a result file, found nothing of that name")
-    return [path for path in paths[0].parent.iterdir() if _split(path)[0] == base and _split(path)[1] is not None]
+    return files_of_run(paths[0].parent, base)
+
+
+def files_of_run(folder, name):
+    """The result files in a folder that are called `name` and a number, in no order."""
+    parts = ((path, *_split(path)) for path in folder.iterdir())
+    return [path for path, base, number in parts if base == name and number is not None]
 
 
 def run_name(paths):

@@ -56,9 +56,16 @@ class Solid:
     def node_values(self, name):
         return self._means.of(self.cell_values(name))
 
+    def _located(self, start, end, count):
+        return locate_on_line(self.points, self.cells, start, end, count)
+
+    def meets_line(self, start, end, count):
+        """As `Sheet.meets_line`."""
+        return bool((self._located(start, end, count).simplex >= 0).any())
+
     def on_line(self, names, start, end, count, own_values=False):
         """As `Sheet.on_line`."""
-        located = locate_on_line(self.points, self.cells, start, end, count)
+        located = self._located(start, end, count)
         inside = located.simplex >= 0
         values = []
         for name in names:
@@ -106,14 +113,17 @@ class Slice(Sheet):
         above = height > 0.0 if self.position <= low + 1e-9 * (high - low) else height >= 0.0
         met = numpy.flatnonzero(above[self.solid.cells].any(axis=1) & ~above[self.solid.cells].all(axis=1))
         if not len(met):
-            place = f"{AXES[self.axis]} = {self.position:g}"
-            raise ViewError(f"{self.solid.result.path}: expected cells at {place}, found a gap in the mesh")
+            raise self._without_cells("a gap in the mesh")
         order = numpy.argsort(~above[self.solid.cells[met]], axis=1, kind="stable")
         cells = numpy.take_along_axis(self.solid.cells[met], order, axis=1)
         count = above[cells].sum(axis=1)
         ends = numpy.concatenate([cells[count == n][:, _CUT_EDGES[n]] for n in (1, 2, 3)])
         self._owners = numpy.concatenate([met[count == n] for n in (1, 2, 3)])
         return self._merge(ends, height)
+
+    def _without_cells(self, found):
+        place = f"{AXES[self.axis]} = {self.position:g}"
+        return ViewError(f"{self.solid.result.path}: expected cells at {place}, found {found}")
 
     def _merge(self, ends, height):
         """Points and polygons from the edges (polygons, 4, 2) that the plane cuts."""
@@ -129,6 +139,8 @@ class Slice(Sheet):
         points = self._between(self.solid.points)[:, self._others]
         polygons = polygons.reshape(-1, 4)
         polygons, kept = _without_flat_ones(points, polygons)
+        if not len(polygons):
+            raise self._without_cells("only edges or corners of the mesh")
         self._owners = self._owners[kept]
         used = numpy.unique(polygons)
         self._low, self._high, self._share = self._low[used], self._high[used], self._share[used]
