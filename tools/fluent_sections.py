@@ -6,7 +6,7 @@ import warnings
 import numpy as np
 
 from fluent_mesh import MeshError
-from mesh_table import FaceSource
+from mesh_table import FaceSource, listed
 
 OPENING = re.compile(rb"\(\s*(\d+)")
 HEADER = re.compile(rb"\s*\(([^()]*)\)")
@@ -240,7 +240,7 @@ def read_fluent(data):
 
 def _assemble(reader, points):
     dimension = points.shape[1]
-    zones, columns, notes = [], [], []
+    zones, columns, notes, place = [], [], [], {}
     for number, kind, comment, nodes, faces, start in reader.faces:
         name = reader.names.get(number) or comment or f"{KINDS.get(kind, 'zone')}-{number}"
         if nodes != dimension:
@@ -251,11 +251,12 @@ def _assemble(reader, points):
         if faces.min() < -1 or faces[:, :dimension].min() < 0 or faces[:, :dimension].max() >= len(points):
             reader.fail(start, f"a face of zone {name} names a point that the file does not hold")
         between = (faces[:, dimension:] >= 0).all(axis=1)
-        zone = np.full(len(faces), -1 if kind == INTERIOR else len(zones))
+        # A zone may stand in several sections.
+        zone = np.full(len(faces), -1 if kind == INTERIOR else place.setdefault(number, len(zones)))
         if kind == INTERIOR and not between.all():
             notes.append(f"{int((~between).sum())} faces of the interior zone {name} have one cell only: a boundary")
         columns.append((faces, zone))
-        if kind != INTERIOR:
+        if kind != INTERIOR and place[number] == len(zones):
             zones.append((name, kind == WALL))
     faces = np.concatenate([own for own, _ in columns])
     zone = np.concatenate([own for _, own in columns])
@@ -267,8 +268,8 @@ def _assemble(reader, points):
 
 def _note(reader, notes):
     if len(reader.cell_zones) > 1:
-        notes.append(f"the cell zones {', '.join(reader.cell_zones.values())} become one")
-    interiors = sum(kind == INTERIOR for _, kind, *_ in reader.faces)
+        notes.append(f"the cell zones {listed(reader.cell_zones.values())} become one")
+    interiors = len({number for number, kind, *_ in reader.faces if kind == INTERIOR})
     if interiors > 1:
         notes.append(f"{interiors} interior zones become one")
     if reader.periodic or any(kind in (8, 12) for _, kind, *_ in reader.faces):

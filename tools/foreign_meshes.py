@@ -2,6 +2,7 @@
 
 import contextlib
 import io
+import itertools
 import pathlib
 import re
 import subprocess
@@ -12,7 +13,7 @@ import numpy as np
 
 from fluent_mesh import MeshError
 from fluent_sections import read_fluent
-from mesh_table import CellSource, FaceSource, place
+from mesh_table import MOST_ZONES, CellSource, FaceSource, check_numbers, listed, place
 
 # Type names of the library, with middle points or without: dimension and corners.
 CORNERS = {
@@ -25,7 +26,15 @@ BY_CORNERS = {(2, 3): "triangles", (2, 4): "quadrilaterals", (3, 4): "tetrahedra
               "hexahedron": "hexahedra", "voxel": "hexahedra"}
 VOLUMES = re.compile("tetra|hexa|wedge|pyramid|voxel|polyhedron|prism")
 TAGS = ("gmsh:physical", "medit:ref", "su2:tag", "CellEntityIds", "boundary", "zone")
+TAGS_FOR_SURE = TAGS[:3]
 ZERO_IS_NONE = ("gmsh:physical", "medit:ref")
+FEW_ELEMENTS = 10  # of them, each may be a zone of its own
+MARKER = re.compile(rb"^[ \t]*MARKER_TAG[ \t]*=([^%\r\n]*)[^\r\n]*", re.MULTILINE)
+BYTE_ORDER_MARK = b"\xef\xbb\xbf"
+# Endings of the formats that meshio reads though they are HDF5 or compressed.
+HDF5_READ, GZIP_READ = (".cgns", ".med", ".h5m", ".hmf", ".e", ".exo", ".ex2"), (".vol.gz", ".post.gz", ".dato.gz")
+MOST_NEAR = 1000  # points in a box as large as the distance at which points are merged
+PAIRS_AT_ONCE = 1 << 20
 IN_ONE_PLANE = 1e-9  # of the mesh's extent
 
 
@@ -45,10 +54,15 @@ class _Content:
 def read_mesh(path, dimension=None, tags=None):
     """A FaceSource or a CellSource. dimension: 2, 3, or None for the highest in the file; tags: the cell data that
     names the boundary, None for what is usual. Raises MeshError and OSError."""
-    data = pathlib.Path(path).read_bytes()
+    data = pathlib.Path(path).read_bytes().removeprefix(BYTE_ORDER_MARK)
     start = data[:4096].lstrip()
     if not start:
         raise MeshError("is empty")
+    ending = str(path).lower()
+    if start.startswith(b"\x89HDF") and not ending.endswith(HDF5_READ):
+        raise MeshError("is an HDF5 file; expected a mesh in text or in Fluent's binary sections")
+    if start.startswith(b"\x1f\x8b") and not ending.endswith(GZIP_READ):
+        raise MeshError("is compressed by gzip; unpack it first")
     if start.startswith(b"("):
         source = read_fluent(data)
         own = source.points.shape[1]
@@ -57,6 +71,8 @@ def read_mesh(path, dimension=None, tags=None):
         return source
     if start.startswith((b"$MeshFormat", b"$NOD", b"$Comments", b"$PhysicalNames")):
         return _cell_source(_read_by_gmsh(path), dimension)
+    if ending.endswith(".su2"):
+        return _cell_source(_read_markers(data, tags), dimension)
     del data
     return _cell_source(_read_by_meshio(path, tags), dimension)
 
@@ -82,10 +98,27 @@ def _read_by_gmsh(path):
         content.groups.append((str(name), int(dimension), arrays[f"group_{k}"]))
     if arrays["quadratic"]:
         content.notes.append(f"{int(arrays['quadratic'])} curved elements lost the points between their corners")
+    if arrays["repeated"]:
+        content.notes.append(f"{int(arrays['repeated'])} elements stood in the file once more and were kept once")
     return content
 
 
-def _read_by_meshio(path, tags):
+def _read_markers(data, tags):
+    """A file with markers. The library replaces names of theirs by numbers that others may have: it gets our own."""
+    names = {}
+
+    def numbered(marker):
+        name = marker[1].decode("utf-8", errors="replace").strip()
+        name = f"zone-{int(name)}" if re.fullmatch(r"[+-]?\d+", name) else name
+        return b"MARKER_TAG= %d" % names.setdefault(name, len(names) + 1)
+
+    with tempfile.TemporaryDirectory() as folder:
+        path = pathlib.Path(folder, "mesh.su2")
+        path.write_bytes(MARKER.sub(numbered, data))
+        return _read_by_meshio(path, tags, {(None, number): name for name, number in names.items()})
+
+
+def _read_by_meshio(path, tags, names=None):
     try:
         import meshio
     except ImportError as error:
@@ -118,7 +151,7 @@ def _read_by_meshio(path, tags):
             content.notes.append(f"{len(nodes)} curved elements lost the points between their corners")
         content.add(CORNERS[kind], nodes)
         blocks.append((CORNERS[kind][0], nodes))
-    content.groups = _sets(mesh, blocks) + _tagged(mesh, blocks, tags, path)
+    content.groups = _sets(mesh, blocks) + _tagged(mesh, blocks, tags, names or {}, content.notes)
     return content
 
 
@@ -132,42 +165,38 @@ def _sets(mesh, blocks):
     return groups
 
 
-def _tagged(mesh, blocks, tags, path):
-    """One group for each number that the cell data gives to faces."""
+def _tagged(mesh, blocks, tags, names, notes):
+    """One group for each number that the cell data gives to faces. names: (dimension or None, number) -> name."""
     whole = [name for name, data in mesh.cell_data.items()
              if all(np.ndim(own) == 1 and (np.equal(np.mod(own, 1), 0)).all() for own in data)]
     if tags is not None and tags not in whole:
         raise MeshError(f"has no cell data {tags} of whole numbers (it has: {', '.join(mesh.cell_data) or 'none'})")
     usual = [tags] if tags else [name for name in TAGS if name in whole] or (whole if len(whole) == 1 else [])
-    if not usual:
+    if not usual or not blocks:
         return []
-    names = {(int(own[1]), int(own[0])): name for name, own in mesh.field_data.items() if np.size(own) == 2}
-    names |= _su2_names(path) if usual[0] == "su2:tag" else {}
+    array, data = usual[0], [np.asarray(own) for own in mesh.cell_data[usual[0]]]
+    if array != tags and array not in TAGS_FOR_SURE and _numbers_elements(data):
+        notes.append(f"{array} seems to number the elements and was not taken for zones; --tags {array} takes it")
+        return []
+    names = {(int(own[1]), int(own[0])): name for name, own in mesh.field_data.items() if np.size(own) == 2} | names
     groups = []
-    for block, own in zip(blocks, mesh.cell_data[usual[0]]):
-        if block is None:
+    for block, own in zip(blocks, data):
+        if block is None or not len(own):
             continue
-        for value in np.unique(np.asarray(own)):
-            if value or usual[0] not in ZERO_IS_NONE:
+        order = np.argsort(own, kind="stable")
+        values, first = np.unique(own[order], return_index=True)
+        for value, rows in zip(values, np.split(order, first[1:])):
+            if value or array not in ZERO_IS_NONE:
                 name = names.get((block[0], int(value))) or names.get((None, int(value))) or f"zone-{int(value)}"
-                groups.append((name, block[0], block[1][np.asarray(own) == value]))
+                groups.append((name, block[0], block[1][rows]))
     return groups
 
 
-def _su2_names(path):
-    """The markers' names, which the library replaces by numbers: its own where they are whole numbers, else one
-    more than the one before."""
-    names, number = {}, 0
-    with open(path, encoding="utf-8", errors="replace") as file:
-        for line in file:
-            if line.lstrip().startswith("MARKER_TAG"):
-                name = line.split("=", 1)[-1].strip()
-                try:
-                    number = int(name)
-                except ValueError:
-                    number += 1
-                    names[None, number] = name
-    return names
+def _numbers_elements(data):
+    """Whether cell data has more numbers than zones can be, or another one for each element."""
+    values = np.concatenate(data)
+    count = len(np.unique(values))
+    return count > MOST_ZONES or count == len(values) > FEW_ELEMENTS
 
 
 def _cell_source(content, dimension):
@@ -189,12 +218,11 @@ def _cell_source(content, dimension):
             merged.setdefault(name, []).append(faces)
     groups = [(name, np.concatenate(faces)) for name, faces in merged.items()]
     regions = list(dict.fromkeys(name for name, own, faces in content.groups if own == dimension and len(faces)))
-    notes = content.notes + ([f"the regions {', '.join(regions)} become one"] if len(regions) > 1 else [])
+    notes = content.notes + ([f"the regions {listed(regions)} become one"] if len(regions) > 1 else [])
     points = np.pad(content.points, ((0, 0), (0, 3 - content.points.shape[1])))
+    check_numbers(CellSource(points, cells, groups))
     if dimension == 2 and cells:
         used = np.unique(np.concatenate([nodes.ravel() for nodes in cells.values()]))
-        if used[0] < 0 or used[-1] >= len(points):
-            raise MeshError("a cell names a point that the file does not hold")
         if not np.isfinite(points[used]).all():
             raise MeshError("a cell has a point whose coordinates are no numbers")
         points = points[:, _plane(points[used], notes)]
@@ -230,17 +258,49 @@ def merge_points(source, distance):
     from mesh_zones import linked
 
     points = source.points
-    pairs = []
-    axes = points.shape[1]
-    for shift in range(1 << axes if distance else 1):
-        # In one of the shifted grids of twice the distance, near points share a box.
-        offset = np.array([shift >> axis & 1 for axis in range(axes)]) * distance
-        boxes = np.floor((points + offset) / (2.0 * distance)) if distance else points + 0.0
-        _, first, box = np.unique(boxes, axis=0, return_index=True, return_inverse=True)
-        pairs.append((np.arange(len(points)), first[box]))
-    number = linked(len(points), *(np.concatenate(column) for column in zip(*pairs)))
+    finite = np.flatnonzero(np.isfinite(points).all(axis=1))
+    if distance:
+        a, b = _near_pairs(points[finite], distance)
+    else:
+        _, first, place_of = np.unique(points[finite] + 0.0, axis=0, return_index=True, return_inverse=True)
+        a, b = np.arange(len(finite)), first[place_of]
+    number = linked(len(points), finite[a], finite[b])
     gone = int((number != np.arange(len(points))).sum())
     source.cells = {n: number[nodes] for n, nodes in source.cells.items()}
     source.groups = [(name, number[faces]) for name, faces in source.groups]
     source.notes.append(f"{gone} points merged into others")
     return source
+
+
+def _near_pairs(points, distance):
+    """All pairs of points that are no further apart: those of a box of that side, and of it and a neighbour."""
+    key, strides = np.zeros(len(points), dtype=np.int64), []
+    for axis in range(points.shape[1]):
+        boxes = np.clip(np.floor(points[:, axis] / distance), -1e300, 1e300)
+        values, own = np.unique(boxes, return_inverse=True)
+        # Numbers from 1 without wide gaps; those of neighbours differ by 1, and only those.
+        number = np.cumsum(np.append(1, np.minimum(np.diff(values), 2.0))).astype(np.int64)
+        strides.append(1)
+        strides[:-1] = [stride * (number[-1] + 2) for stride in strides[:-1]]
+        key = key * (number[-1] + 2) + number[own]
+    order = np.argsort(key, kind="stable")
+    boxes, start, count = np.unique(key[order], return_index=True, return_counts=True)
+    if count.max(initial=0) > MOST_NEAR:
+        raise MeshError(f"--merge {distance:g} reaches over {count.max()} points and more; choose a smaller distance")
+    pairs = []
+    for steps in itertools.product((0, 1, -1), repeat=len(strides)):
+        if steps < (0,) * len(strides):
+            continue  # the same two boxes, seen from the other
+        near = boxes + sum(step * stride for step, stride in zip(steps, strides))
+        at = np.minimum(np.searchsorted(boxes, near), len(boxes) - 1)
+        one = np.flatnonzero(boxes[at] == near)
+        other = at[one]
+        sizes = count[one] * count[other]
+        for part in np.split(np.arange(len(one)), np.flatnonzero(np.diff(np.cumsum(sizes) // PAIRS_AT_ONCE)) + 1):
+            size, wide = sizes[part], np.repeat(count[other[part]], sizes[part])
+            k = np.arange(size.sum()) - np.repeat(np.cumsum(size) - size, size)
+            a = order[np.repeat(start[one[part]], size) + k // wide]
+            b = order[np.repeat(start[other[part]], size) + k % wide]
+            close = (((points[a] - points[b]) / distance) ** 2).sum(axis=1) <= 1.0
+            pairs.append((a[close], b[close]))
+    return (np.concatenate(column) for column in zip(*pairs))

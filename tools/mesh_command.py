@@ -226,11 +226,23 @@ def fluent_mesh_of(table):
 
 
 def write_mesh(table, path, comment):
-    """Writes the file whole or not at all."""
-    mesh = fluent_mesh_of(table)
+    """Writes the file whole or not at all; devices and pipes in place, and behind a link the file it leads to."""
+    lines = (line + "\n" for line in mesh_lines(fluent_mesh_of(table), comment))
+    try:
+        if path.exists() and not path.is_file():
+            with open(path, "w", encoding="utf-8", newline="\n") as file:
+                file.writelines(lines)
+        else:
+            _write_whole(pathlib.Path(os.path.realpath(path)), lines)
+    except OSError as error:
+        # The system names the file beside, or none.
+        raise OSError(error.errno, error.strerror, str(path)) from error
+
+
+def _write_whole(path, lines):
     with tempfile.NamedTemporaryFile("w", encoding="utf-8", newline="\n", dir=path.parent, delete=False) as file:
         try:
-            file.writelines(line + "\n" for line in mesh_lines(mesh, comment))
+            file.writelines(lines)
             file.close()
             mask = os.umask(0)
             os.umask(mask)
@@ -274,24 +286,43 @@ def run(options):
 
 
 def main(arguments):
+    for stream in ("stdout", "stderr"):
+        if getattr(sys, stream) is None:  # closed by the shell
+            setattr(sys, stream, open(os.devnull, "w"))
     sys.stdout.reconfigure(errors="replace")  # zones may have names that the terminal cannot show
     # Numbers beyond all bounds end in a refusal, not in lines about arithmetic.
     warnings.simplefilter("ignore")
-    options = parser().parse_args(arguments)
-    named = options.output if options.command == "make" else options.input
+    named = None
     try:
-        run(options)
+        try:
+            options = parser().parse_args(arguments)
+            named = options.output if options.command == "make" else options.input
+            run(options)
+        finally:
+            _flush()
     except BrokenPipeError:
-        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        pass  # whoever read the output has gone; there is nobody to tell
     except OSError as error:
         return _fail(error.filename or named, error.strerror or str(error))
     except (MeshError, GmshMissing) as error:
         return _fail(named, str(error))
     except MemoryError:
         return _fail(named, "needs more memory than there is")
+    except KeyboardInterrupt:
+        return 130
     except Exception as error:  # whatever a damaged file leads to: one line, as for every other
         return _fail(named, f"cannot be read ({type(error).__name__}: {error})")
     return 0
+
+
+def _flush():
+    """Sends off what was printed, as long as a failure can be told."""
+    try:
+        sys.stdout.flush()
+    except OSError as error:
+        # The interpreter would fail over the same text once more when it ends.
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        raise OSError(error.errno, error.strerror, "standard output") from error
 
 
 def _fail(name, reason):

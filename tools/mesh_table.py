@@ -78,8 +78,23 @@ def place(position):
     return "(" + ", ".join(f"{x:.6g}" for x in position) + ")"
 
 
+def listed(names):
+    """The names in a row, of many the first few."""
+    names = list(names)
+    return ", ".join(names) if len(names) <= 10 else ", ".join(names[:5]) + f" and {len(names) - 5} more"
+
+
+def check_numbers(source):
+    """Refuses cells and faces with numbers of points that are not there."""
+    named = [("a cell", block) for block in source.cells.values()]
+    for what, nodes in named + [(f"a face of {name}", faces) for name, faces in source.groups]:
+        if np.size(nodes) and (np.min(nodes) < 0 or np.max(nodes) >= len(source.points)):
+            raise MeshError(f"{what} names a point that the file does not hold")
+
+
 def table_from_cells(source, walls=()):
     """The mesh of a file of cells. walls: groups between cells that become walls with two sides."""
+    check_numbers(source)
     points = source.points
     dimension = points.shape[1]
     notes = list(source.notes)
@@ -189,7 +204,7 @@ def measures(points, cells):
 def _oriented(points, cells, notes):
     """Cells counter-clockwise, tetrahedra of positive volume; refuses flat cells and points without numbers."""
     used = np.unique(cells[cells >= 0])
-    if len(used) and (used[-1] >= len(points) or not np.isfinite(points[used]).all()):
+    if not np.isfinite(points[used]).all():
         raise MeshError("a cell names a point that the file does not hold")
     measure, scale = measures(points, cells)
     word = "area" if points.shape[1] == 2 else "volume"
@@ -281,10 +296,9 @@ def _corners(faces):
 
 def _note_groups(source, groups, run, cell_count, length, notes):
     """Says which named faces are no use as a boundary."""
-    for k, (name, _) in enumerate(source.groups):
-        lone = int((cell_count[run[groups == k]] == 0).sum())
-        if lone:
-            notes.append(f"{name}: {_faces(lone)} of no cell, left out")
+    lone = np.bincount(groups[(groups >= 0) & (cell_count[run] == 0)], minlength=len(source.groups))
+    for k in np.flatnonzero(lone):
+        notes.append(f"{source.groups[k][0]}: {_faces(lone[k])} of no cell, left out")
     doubly = int(((cell_count == 1) & (length > 2)).sum())
     if doubly:
         notes.append(f"{_faces(doubly)} in several groups, given to the first")
@@ -300,13 +314,14 @@ def _finished(table, is_wall):
         raise MeshError("holds a single cell")
     inner = (table.c1 >= 0) & (table.zone >= 0)
     two_sided = inner & np.append(is_wall, False)[table.zone].astype(bool)
-    for k, name in enumerate(table.zone_names):
-        count = int((inner & (table.zone == k)).sum())
-        if count and is_wall[k]:
+    counts = np.bincount(table.zone[inner], minlength=len(table.zone_names))
+    for k in np.flatnonzero(counts):
+        name, faces = table.zone_names[k], _faces(counts[k])
+        if is_wall[k]:
             sides = f"{name} and {name}-shadow"
-            table.notes.append(f"{name}: {_faces(count)} between cells, now a wall of two sides, {sides}")
-        elif count:
-            table.notes.append(f"{name}: {_faces(count)} between cells, now interior faces")
+            table.notes.append(f"{name}: {faces} between cells, now a wall of two sides, {sides}")
+        else:
+            table.notes.append(f"{name}: {faces} between cells, now interior faces")
     table.zone[inner & ~two_sided] = -1
     _split(table, np.flatnonzero(two_sided))
     swap = table.c1 > table.c0

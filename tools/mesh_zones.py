@@ -9,6 +9,7 @@ from mesh_table import MOST_ZONES
 
 SIDES = ("left", "right", "bottom", "top", "back", "front")  # low and high end of x, y and z
 ON_SIDE = 1e-6  # of the mesh's extent
+FLAT_SHARE, FLAT_FACES = 0.5, 3  # what makes a flat end of a piece that is no box: share of the side, and faces
 
 
 def linked(count, a, b):
@@ -51,7 +52,7 @@ def _name_the_rest(table):
     if not len(rest):
         return
     some_named = ((table.c1 < 0) & (table.zone >= 0)).any()
-    sides = _box_sides(table, rest)
+    sides, shares = _box_sides(table, rest)
     piece = _pieces(table, rest)
     found = []
     taken = set(table.zone_names)
@@ -59,9 +60,10 @@ def _name_the_rest(table):
         own = piece == label
         on_box = own & (sides >= 0)
         # A curved boundary touches the box here and there; a box is made of it.
-        if 2 * on_box.sum() > own.sum():
-            found += [(SIDES[k], rest[on_box & (sides == k)]) for k in np.unique(sides[on_box])]
-            own &= ~on_box
+        if 2 * on_box.sum() <= own.sum():
+            on_box &= _flat_ends(sides[on_box], shares[on_box])[sides]
+        found += [(SIDES[k], rest[on_box & (sides == k)]) for k in np.unique(sides[on_box])]
+        own &= ~on_box
         if own.any():
             found.append(("wall", rest[own]))
     merged = {}
@@ -78,15 +80,25 @@ def _name_the_rest(table):
 
 
 def _box_sides(table, faces):
-    """The side of the box around the mesh that each face lies on, -1 for none."""
+    """The side of the box around the mesh that each face lies on, -1 for none, and how much of it the face covers."""
     corner = table.points[table.nodes[faces]]
-    low, high = table.points.min(axis=0), table.points.max(axis=0)
+    held = table.points[np.unique(table.nodes)]  # a file may hold points that no cell uses
+    low, high = held.min(axis=0), held.max(axis=0)
     near = ON_SIDE * (high - low).max()
-    side = np.full(len(faces), -1)
+    side, share = np.full(len(faces), -1), np.zeros(len(faces))
     for axis in range(table.dimension):
         for end, at in ((0, low[axis]), (1, high[axis])):
-            side[(np.abs(corner[:, :, axis] - at) <= near).all(axis=1)] = 2 * axis + end
-    return side
+            on = (np.abs(corner[:, :, axis] - at) <= near).all(axis=1)
+            side[on] = 2 * axis + end
+            edge = np.delete(corner[on, 1:] - corner[on, :1], axis, axis=2) / np.delete(high - low, axis)
+            share[on] = np.abs(edge[:, 0, 0] if table.dimension == 2 else 0.5 * np.linalg.det(edge))
+    return side, share
+
+
+def _flat_ends(sides, shares):
+    """For each side of the box whether these faces make a flat end of it, as at the ends of a wavy channel."""
+    covered = np.bincount(sides, weights=shares, minlength=len(SIDES)) >= FLAT_SHARE - ON_SIDE
+    return covered & (np.bincount(sides, minlength=len(SIDES)) >= FLAT_FACES)
 
 
 def _pieces(table, faces):

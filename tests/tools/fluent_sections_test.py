@@ -1,6 +1,7 @@
 """Fluent files of layouts other than the program's, converted and opened."""
 
 import pathlib
+import re
 import unittest
 
 import fluent_mesh
@@ -75,6 +76,27 @@ class Layouts(mesh_support.MeshTest):
         text = fluent_mesh.mesh_bytes(plane_mesh(), "x").decode()
         path = self.write("odd.msh", text[: text.index('(0 "Zone Sections")')])
         self.assertEqual([name for name, _ in self.convert(path)[0].zones], ["floor", "rest"])
+
+    def test_zones_and_interior_in_several_sections_are_one_each(self):
+        for names in (True, False):
+            data = OddFluent(plane_mesh(), names=names, parts=2).content()
+            # One face of the last of the boundary zones, and of the second interior zone, in a section of its own.
+            for zone in (b"a", b"c"):
+                head, first, last, kind, body = re.search(
+                    rb"(\(13\(%s) (\w+) (\w+) (\d 2\)\n\(\n)([^)]*\n)\)\)\n" % zone, data).groups()
+                one, rest = body.split(b"\n", 1)
+                second = b"%x" % (int(first, 16) + 1)
+                new = b"%s %s %s %s%s))\n" * 2 % (head, first, first, kind, one, head, second, last, kind, rest)
+                data = data.replace(b"%s %s %s %s%s))\n" % (head, first, last, kind, body), new)
+            self.assertEqual(data.count(b"(13(c "), 2)
+            parsed, said = self.convert(self.write("odd.msh", data))
+            sizes = {"floor": 18, "rest": 24} if names else {"wall-11": 18, "wall-12": 24}
+            self.assertEqual({name: len(faces) for name, faces in parsed.zones}, sizes)
+            self.assertIn("2 interior zones become one", said)
+
+    def test_mark_of_the_order_of_bytes_is_passed_over(self):
+        self.convert(self.write("odd.msh", b"\xef\xbb\xbf" + OddFluent(plane_mesh(), comments=True).content()))
+        self.convert(self.write("odd.msh", b"\xef\xbb\xbf" + fluent_mesh.mesh_bytes(plane_mesh(), "x")))
 
     def test_samples_convert_to_themselves(self):
         for name in ("cavity/cavity_32.msh", "annulus/annulus_tri_8.msh", "cavity-3d/cavity_3d_10.msh"):

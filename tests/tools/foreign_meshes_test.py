@@ -3,15 +3,20 @@
 import contextlib
 import io
 import math
+import time
+import types
 import unittest
 
 import gmsh
 import meshio
 import numpy as np
 
+import foreign_meshes
 import mesh_support
 from gmsh_session import gmsh_session
 from mesh_support import POINTS, QUADS, TRIANGLES
+from mesh_table import CellSource
+from mesh_zones import linked
 
 SQUARE = ((0, 0), (1, 0), (1, 1), (0, 1))
 GMSH_FORMATS = ((1.0, 0), (2.2, 0), (2.2, 1), (4.0, 0), (4.1, 0), (4.1, 1))
@@ -166,6 +171,35 @@ class Gmsh(mesh_support.MeshTest):
         self.assertAlmostEqual(area(parsed), 1.0)
         self.assertIn("lost the points between their corners", said)
 
+    def test_elements_written_once_for_each_of_their_groups_are_kept_once(self):
+        for dimension, cells in ((2, "triangles"), (3, "tetrahedra")):
+            with self.file(dimension, 2.2):
+                lines, surface = draw_square()
+                if dimension == 3:
+                    gmsh.model.geo.extrude([(2, surface)], 0, 0, 1)
+                    gmsh.model.geo.synchronize()
+                for text in ("fluid", "everything"):
+                    name(dimension, [1], text)
+                name(dimension - 1, lines[:1], "floor")
+            parsed, said = self.convert(self.path)
+            self.assertAlmostEqual(mesh_support.Opened(dimension, self.out).measure, 1.0)
+            self.assertRegex(said, rf"cells +{len(parsed.cell_codes)} {cells}\n")
+            self.assertIn(f"{len(parsed.cell_codes)} elements stood in the file once more and were kept once", said)
+
+    def test_sides_are_named_though_no_cell_uses_the_centre_of_an_arc(self):
+        with self.file():
+            # The top is an arc around a point far below, which Gmsh writes as a point of the mesh.
+            kernel = gmsh.model.geo
+            corners = [kernel.addPoint(x, y, 0, 0.1) for x, y in SQUARE]
+            lines = [kernel.addLine(corners[i], corners[i + 1]) for i in (0, 1)]
+            lines.append(kernel.addCircleArc(corners[2], kernel.addPoint(0.5, -2.0, 0), corners[3]))
+            lines.append(kernel.addLine(corners[3], corners[0]))
+            kernel.addPlaneSurface([kernel.addCurveLoop(lines)])
+            kernel.mesh.setTransfiniteCurve(lines[2], 9)
+            kernel.synchronize()
+        self.assertIn("\n0.5 -2 0\n", self.path.read_text())
+        self.assertEqual(names_of(self.convert(self.path)[0]), ["left", "right", "bottom", "wall"])
+
     def test_other_planes_are_turned_into_x_and_y(self):
         with self.file():
             draw_square()
@@ -253,11 +287,52 @@ class Others(mesh_support.MeshTest):
         text += "NMARK= 3\nMARKER_TAG= lower\nMARKER_ELEMS= 2\n3 0 1\n3 1 4\n"
         text += "MARKER_TAG= 9\nMARKER_ELEMS= 2\n3 5 2\n3 2 3\n"
         text += "MARKER_TAG= ends\nMARKER_ELEMS= 2\n3 3 0\n3 4 5\n"
-        parsed, _ = self.convert(self.write("in.su2", text))
+        for number in ("1", "2", "9"):
+            parsed, _ = self.convert(self.write("in.su2", text.replace("TAG= 9", f"TAG= {number}")))
+            self.assertEqual(sorted(names_of(parsed)), ["ends", "lower", f"zone-{number}"])
+        # A mark of the bytes' order, line ends of DOS, blanks and remarks.
+        text = text.replace("TAG= lower", "TAG = lower  % hot").replace("\n", "\r\n")
+        parsed, _ = self.convert(self.write("in.su2", "\ufeff" + text))
         self.assertEqual(sorted(names_of(parsed)), ["ends", "lower", "zone-9"])
         self.assertEqual(len(parsed.interior), 2)
         self.assertEqual(mesh_support.shapes_of(parsed)[1]["ends"],
                          {frozenset([POINTS[0], POINTS[3]]), frozenset([POINTS[4], POINTS[5]])})
+
+    def test_numbers_of_the_elements_are_no_zones(self):
+        triangles = [(k, k + 1, 200 + k) for k in range(150)] + [(k + 1, 201 + k, 200 + k) for k in range(149)]
+        points = [(k, y, 0.0) for y in (0.0, 1.0) for k in range(200)]
+        lines = [(k, k + 1) for k in range(150)]
+        for values in (np.arange(1, 450), np.append(np.zeros(299, int), np.arange(150))):
+            data = [values[:299], values[299:]]
+            mesh = meshio.Mesh(points, [("triangle", triangles), ("line", lines)], cell_data={"GlobalId": data})
+            path = self.file("in.vtu", mesh)
+            parsed, said = self.convert(path)
+            self.assertEqual(names_of(parsed), ["left", "bottom", "top", "wall"])
+            self.assertIn("GlobalId seems to number the elements and was not taken for zones", said)
+            self.out.unlink()
+            self.refuse(path, "has 15. boundary zones", "--tags", "GlobalId")
+
+    def test_numbers_of_few_elements_are_zones(self):
+        mesh = self.small()
+        mesh.cell_data = {"GlobalId": [np.array([1]), np.array([2, 3]), np.array([4, 5, 6, 7])]}
+        self.assertEqual(names_of(self.convert(self.file("in.vtu", mesh))[0])[:4], [f"zone-{k}" for k in range(4, 8)])
+
+    def test_many_groups_take_no_time_each(self):
+        count = 100000
+        block, data = (2, np.arange(3 * count).reshape(-1, 3)), {"id": [np.arange(count)[::-1]]}
+        mesh = types.SimpleNamespace(cell_data=data, field_data={})
+        start = time.process_time()
+        groups = foreign_meshes._tagged(mesh, [block], "id", {}, [])
+        self.assertLess(time.process_time() - start, 5.0)
+        self.assertEqual((len(groups), groups[1][0]), (count, "zone-1"))
+        self.assertEqual(groups[1][2].tolist(), [[299994, 299995, 299996]])
+
+    def test_long_lists_of_regions_are_cut_short(self):
+        mesh = meshio.Mesh([(k, y, 0.0) for y in (0.0, 1.0, 2.0) for k in range(21)],
+                           [("quad", [(k, k + 1, k + 22, k + 21) for row in (0, 21) for k in range(row, row + 20)])],
+                           cell_data={"zone": [np.arange(40) // 2]})
+        _, said = self.convert(self.file("in.vtu", mesh))
+        self.assertIn("the regions zone-0, zone-1, zone-2, zone-3, zone-4 and 15 more become one", said)
 
     def test_named_sets_of_cells(self):
         mesh = self.small()
@@ -296,6 +371,25 @@ class Others(mesh_support.MeshTest):
             parsed, said = self.convert(path, "--merge", distance)
             self.assertNotIn("parts", said)
             self.assertEqual((len(parsed.points), len(parsed.interior)), (7, 6))
+
+    def strips(self, gap):
+        """Two strips of two rows, the upper one on points of its own and `gap` above the lower one."""
+        points = [(0.1 * k, y, 0.0) for low in (0.0, 0.2 + gap) for y in (low, low + 0.1, low + 0.2) for k in range(11)]
+        quads = [(k, k + 1, k + 12, k + 11) for row in (0, 11, 33, 44) for k in range(row, row + 10)]
+        return meshio.Mesh(points, [("quad", quads)])
+
+    def test_points_further_apart_than_the_distance_stay_apart(self):
+        for gap, parted in ((0.005, False), (0.015, True)):
+            _, said = self.convert(self.file("in.vtu", self.strips(gap)), "--merge", "0.01")
+            self.assertEqual("the cells make 2 parts" in said, parted, gap)
+            self.assertIn(f"{0 if parted else 11} points merged", said)
+
+    def test_distance_that_reaches_over_the_whole_mesh_is_refused(self):
+        columns = np.arange(40.0)
+        points = np.array([(x, y, 0.0) for y in columns for x in columns])
+        quads = [(k, k + 1, k + 41, k + 40) for row in range(39) for k in range(40 * row, 40 * row + 39)]
+        path = self.file("in.vtu", meshio.Mesh(points, [("quad", quads)]))
+        self.refuse(path, "--merge 100 reaches over 1600 points and more; choose a smaller distance", "--merge", "100")
 
     def test_refusals(self):
         def spoil(change):
@@ -352,9 +446,49 @@ class Others(mesh_support.MeshTest):
             ("in.xyz", "hello", "no mesh that meshio reads"),
             ("in.msh", "", "is empty"),
             ("in.su2", "NDIME= 2\nNELEM= 1\n5 0 1 2 0\n", "no mesh that meshio reads"),
+            ("in.cas", b"\x89HDF\r\n\x1a\n", "is an HDF5 file; expected a mesh in text or in Fluent's binary sections"),
+            ("in.msh.gz", b"\x1f\x8b\x08", "is compressed by gzip; unpack it first"),
         ):
             self.refuse(self.write(name, content), reason)
         self.refuse(self.folder / "missing.msh", "No such file")
+
+
+class NearPoints(unittest.TestCase):
+    def numbers(self, points, distance):
+        """The number that each of the points has then."""
+        rows = np.repeat(np.arange(len(points)), 3).reshape(-1, 3)
+        return foreign_meshes.merge_points(CellSource(np.array(points), {3: rows}), distance).cells[3][:, 0].tolist()
+
+    def test_points_on_either_side_of_the_border_of_a_box(self):
+        for border in (0.0, 3.0, -7.0):
+            for step in ((0.8, 0.0), (0.0, 0.8), (0.6, 0.6), (0.6, -0.6), (0.0, 0.0)):
+                points = [(border - 0.5 * s, border + 0.5 * t) for s, t in (step, (-step[0], -step[1]))]
+                for pair in (points, points[::-1]):
+                    self.assertEqual(self.numbers(pair, 1.0), [0, 0], points)
+                    self.assertEqual(self.numbers(pair, 0.75), [0, 0 if step == (0.0, 0.0) else 1], points)
+
+    def test_all_pairs_within_the_distance_and_no_others_are_joined(self):
+        random = np.random.default_rng(3)
+        for axes, distance in ((2, 0.02), (3, 0.07)):
+            points = random.random((400, axes)) - 0.5
+            apart = np.linalg.norm(points[:, None] - points, axis=2)
+            a, b = np.nonzero(apart <= distance)
+            self.assertGreater(len(a), 440)
+            self.assertEqual(self.numbers(points, distance), linked(400, a, b).tolist())
+
+    def test_chains_are_joined(self):
+        self.assertEqual(self.numbers([(0.0, 0.0), (0.9, 0.0), (5.0, 0.0), (1.8, 0.0)], 1.0), [0, 0, 2, 0])
+
+    def test_points_without_numbers_stay_alone(self):
+        points = [(np.nan, 0.0), (0.0, 0.0), (np.nan, 0.0), (0.0, 0.0)]
+        for distance in (0.0, 1.0):
+            self.assertEqual(self.numbers(points, distance), [0, 1, 2, 1])
+
+    def test_many_points_take_little_time(self):
+        points = np.random.default_rng(4).random((200000, 3))
+        start = time.process_time()
+        self.numbers(points, 0.002)
+        self.assertLess(time.process_time() - start, 30.0)
 
 
 if __name__ == "__main__":

@@ -181,10 +181,62 @@ class CommandLine(mesh_support.MeshTest):
         self.assertIn("(45 (7 wall Wände)())", self.out.read_text(encoding="utf-8"))
         Opened(2, self.out)
 
+    def shell(self, command):
+        """Runs a line of the shell in which $mesh is the tool; Python buffers its output as it does for users."""
+        environment = {key: value for key, value in os.environ.items() if key != "PYTHONUNBUFFERED"}
+        line = command.replace("$mesh", f"'{mesh_support.sys.executable}' '{mesh_support.TOOL}'")
+        return subprocess.run(["sh", "-c", line], cwd=self.folder, env=environment, capture_output=True, text=True)
+
     def test_closed_pipe_is_no_error(self):
-        command = f"'{mesh_support.sys.executable}' '{mesh_support.TOOL}' report '{CASES}/cavity/cavity_32.msh' | true"
-        done = subprocess.run(["sh", "-c", command], capture_output=True, text=True)
-        self.assertEqual(done.stderr, "")
+        for words in (f"report '{CASES}/cavity/cavity_32.msh'", "--help"):
+            done = self.shell(f"{{ $mesh {words}; echo $? >code; }} | true")
+            self.assertEqual((done.stderr, (self.folder / "code").read_text()), ("", "0\n"), words)
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "needs a device that is always full")
+    def test_full_device_is_told_in_one_line(self):
+        for words in (f"report '{CASES}/cavity/cavity_32.msh'", "make box", "--help"):
+            done = self.shell(f"$mesh {words} >/dev/full")
+            self.assertEqual((done.returncode, done.stderr.count("\n")), (1, 1), done.stderr)
+            self.assertRegex(done.stderr, "^fluvane-mesh: standard output: No space left")
+        done = self.shell("$mesh make box /dev/full")
+        self.assertEqual((done.returncode, done.stderr.count("\n")), (1, 1), done.stderr)
+        self.assertRegex(done.stderr, "^fluvane-mesh: /dev/full: No space left")
+
+    def test_closed_streams_do_not_stop_the_work(self):
+        done = self.shell("$mesh make box out.msh >&-")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        Opened(2, self.out)
+        done = self.shell("$mesh report missing.msh 2>&-")
+        self.assertEqual((done.returncode, done.stdout), (1, ""))
+
+    def test_interruption_leaves_no_traceback(self):
+        (self.folder / "meshio.py").write_text("raise KeyboardInterrupt\n")
+        path = os.pathsep.join([str(self.folder), os.environ.get("PYTHONPATH", "")])
+        done = run("report", self.write("a.vtu", "x"), PYTHONPATH=path)
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (130, "", ""))
+
+    def test_folder_as_output_is_named(self):
+        done = run("make", "box", self.folder)
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.stderr, f"fluvane-mesh: {self.folder}: Is a directory\n")
+        self.assertEqual(list(self.folder.iterdir()), [])
+
+    def test_pipe_as_output_stays_a_pipe(self):
+        os.mkfifo(self.out)
+        done = self.shell("timeout 20 cat out.msh >copy.msh & $mesh make box out.msh; wait")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertTrue(stat.S_ISFIFO(self.out.stat().st_mode))
+        Opened(2, self.folder / "copy.msh")
+
+    def test_link_as_output_is_followed(self):
+        (self.folder / "other").mkdir()
+        self.out.symlink_to("other/real.msh")
+        for _ in ("a file that is not there yet", "one that is"):
+            done = run("make", "box", self.out)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertTrue(self.out.is_symlink())
+            self.assertEqual([p.name for p in (self.folder / "other").iterdir()], ["real.msh"])
+        Opened(2, self.folder / "other" / "real.msh")
 
 
 if __name__ == "__main__":

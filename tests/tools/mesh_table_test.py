@@ -55,6 +55,24 @@ class FromCells(unittest.TestCase):
         with self.assertRaisesRegex(MeshError, "sides that cross or bend in"):
             table_from_cells(source(points=points))
 
+    def test_numbers_of_points_that_are_not_there_are_refused(self):
+        corner = np.array([(0.0, 0, 0), (1, 0, 0), (0, 1, 0), (0, 0, 1), (1, 1, 1)])
+        space = {4: np.array([(0, 1, 2, 3), (1, 2, 3, 4)])}
+        for cells, points in (({4: np.array(QUADS), 3: np.array(TRIANGLES)}, POINTS), (space, corner)):
+            face = list(range(len(points[0])))
+            for number in (-1, -7, len(points), 10**6):
+                for size, own in cells.items():
+                    spoilt = {**cells, size: own.copy()}
+                    spoilt[size][-1, -1] = number
+                    with self.assertRaisesRegex(MeshError, "^a cell names a point that the file does not hold"):
+                        table_from_cells(source(spoilt, points))
+                with self.assertRaisesRegex(MeshError, "^a face of lid names a point that the file does not hold"):
+                    table_from_cells(source(cells, points, [("lid", [face, [*face[1:], number]])]))
+
+    def test_long_lists_of_names_are_cut_short(self):
+        self.assertEqual(mesh_table.listed("abcdefghij"), "a, b, c, d, e, f, g, h, i, j")
+        self.assertEqual(mesh_table.listed("abcdefghijk"), "a, b, c, d, e and 6 more")
+
     def test_no_cells_at_all(self):
         with self.assertRaisesRegex(MeshError, "holds no triangles or quadrilaterals"):
             table_from_cells(source({3: np.empty((0, 3), int)}))

@@ -40,6 +40,43 @@ class Names(unittest.TestCase):
         ring.groups = []
         self.assertEqual(table_of(ring).zone_names, ["wall", "wall-2"])
 
+    def channel(self, cells):
+        """A wavy channel without groups, straight at its ends."""
+        source = mesh_makers.rectangle(mesh_makers.even(40, 4.0), mesh_makers.even(cells, 1.0), False)
+        source.groups = []
+        x, y = source.points.T
+        source.points = np.stack([x, y + 0.1 * np.sin(9.0 * x) + 0.2 * np.sin(np.pi * x) ** 2 * np.sign(y - 0.5)], 1)
+        return source
+
+    def sizes(self, source):
+        table = table_of(source)
+        return list(zip(table.zone_names, np.bincount(table.zone[table.c1 < 0]).tolist()))
+
+    def test_flat_ends_of_a_wavy_channel_are_sides(self):
+        self.assertEqual(self.sizes(self.channel(6)), [("left", 6), ("right", 6), ("wall", 80)])
+
+    def test_few_faces_on_a_side_are_no_flat_end(self):
+        self.assertEqual(self.sizes(self.channel(2)), [("wall", 84)])
+
+    def test_ends_that_cover_little_of_a_side_are_part_of_the_wall(self):
+        source = self.channel(6)
+        source.points[:, 1] += 3.0 * source.points[:, 0] * (4.0 - source.points[:, 0])
+        self.assertEqual(self.sizes(source), [("wall", 92)])
+
+    def test_flat_ends_of_a_round_body_in_space_are_sides(self):
+        source = mesh_makers.cube((8, 8, 6), (2.0, 2.0, 3.0), 0.0)
+        source.groups = []
+        x, y = source.points.T[:2] - 1.0
+        # The square of the cross-section becomes a disc.
+        source.points[:, 0], source.points[:, 1] = x * np.sqrt(1.0 - y**2 / 2.0), y * np.sqrt(1.0 - x**2 / 2.0)
+        self.assertEqual([name for name, _ in self.sizes(source)], ["back", "front", "wall"])
+
+    def test_points_that_no_cell_uses_do_not_move_the_sides(self):
+        for point in ((9.0, 9.0), (np.nan, np.nan)):
+            source = box(lambda sides: [])
+            source.points = np.concatenate([source.points, [point]])
+            self.assertEqual(table_of(source).zone_names, list(mesh_zones.SIDES[:4]))
+
     def test_more_zones_than_the_program_holds_are_refused(self):
         def groups(count):
             line = mesh_makers.rectangle(mesh_makers.even(count, 1.0), mesh_makers.even(2, 1.0), False)
