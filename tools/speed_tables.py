@@ -75,13 +75,14 @@ def _step_rows(found, first):
         rates = [rounded(1e3 / b[key]) for key in ("one_ns/cell", "all_ns/cell", "proposed_ns/cell")]
         ratios = [rounded(b["ratio_one"], 2), rounded(b["ratio_all"], 2)]
         # The ratio of times, turned into one of rates: above 1, 40 threads are the faster ones.
-        rows.append([*first(b), *rates, rounded(1.0 / b["proposed/all"]), *ratios])
+        gains = [rounded(b["speedup"]), rounded(b["plain_one_ns/cell"] / b["plain_all_ns/cell"])]
+        rows.append([*first(b), *rates, rounded(1.0 / b["proposed/all"]), *gains, *ratios])
     return rows
 
 
 def _step_head(first, found):
     count = f"{found[0]['processors']:.0f}" if found else "all"
-    return [*first, "1 thread", f"{count} threads", "40 threads", f"40 : {count}",
+    return [*first, "1 thread", f"{count} threads", "40 threads", f"40 : {count}", f"{count} : 1", f"plain, {count} : 1",
             "Ratio to plain, 1", f"Ratio to plain, {count}"]
 
 
