@@ -333,6 +333,13 @@ class Refusals(unittest.TestCase):
             with self.subTest(arguments=arguments):
                 self.refuse(folder, arguments, *texts, code=2)
 
+    def test_negative_numbers_may_have_an_exponent(self):
+        parser = command.make_parser()
+        options = parser.parse_args(["picture", "a.dat", "--range", "-1e-3", "-.5E-3", "--zoom", "-1", "-2.5", "1", "1"])
+        self.assertEqual((options.range, options.zoom), ([-1e-3, -5e-4], [-1.0, -2.5, 1.0, 1.0]))
+        options = parser.parse_args(["line", "a.dat", "--from", "-1.5e+1", "0", "--to", "1", "-2e0"])
+        self.assertEqual((options.start, options.end), ([-15.0, 0.0], [1.0, -2.0]))
+
     def test_what_nobody_expected_is_said_in_one_line(self):
         folder = view_data.folder_with(self, "mixed_600.dat")
         with mock.patch.object(command, "read_result", side_effect=ZeroDivisionError("a\nb")):

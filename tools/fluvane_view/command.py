@@ -3,6 +3,7 @@
 import argparse
 import os
 import pathlib
+import re
 import sys
 import warnings
 
@@ -149,8 +150,16 @@ def _add_output(parser, what):
     parser.add_argument("-o", "--out", type=pathlib.Path, metavar="PATH", help=what)
 
 
+class _Parser(argparse.ArgumentParser):
+    """Takes -1e-3 for a number; the library knows negative numbers without an exponent only."""
+
+    def __init__(self, *arguments, **options):
+        super().__init__(*arguments, **options)
+        self._negative_number_matcher = re.compile(r"-(\d+\.?\d*|\.\d+)([eE][-+]?\d+)?$")
+
+
 def make_parser():
-    parser = argparse.ArgumentParser(
+    parser = _Parser(
         prog="fluvane-view", description=_OVERVIEW, formatter_class=argparse.RawDescriptionHelpFormatter
     )
     commands = parser.add_subparsers(dest="command", metavar="COMMAND", required=True)
