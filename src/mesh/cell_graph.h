@@ -338,8 +338,7 @@ template <class Records>
 using Rings = std::array<std::int32_t, Records::Cell::maxFaces*(1 + Records::Cell::maxFaces)>;
 
 /// The neighbours of a cell: the cells across its faces, then those of theirs that are not there yet. Returns
-/// their number.
-/// `seenFrom` tells of each cell from which one it was seen last, counted from 1.
+/// their number. `seenFrom` tells of each cell from which one it was seen last, counted from 1.
 template <class Records>
 std::int32_t collectNeighbours(const CellTable<Records>& cells, std::int32_t c,
                                HugeArray<std::int32_t>& seenFrom, Rings<Records>& list) {
