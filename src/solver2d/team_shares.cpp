@@ -10,8 +10,9 @@ namespace fluvane {
 TeamShares::TeamShares(int workers)
     : m_sizes(static_cast<std::size_t>(workers), 1.0 / workers), m_busy(m_sizes.size(), 0.0),
       m_cuts(m_sizes.size() + 1) {
-    for (std::size_t n = 0; n < m_cuts.size(); ++n)
-        m_cuts[n] = static_cast<std::int32_t>(std::int64_t{parts} * static_cast<std::int64_t>(n) / workers);
+    constexpr std::int64_t whole = parts;
+    for (int n = 0; n <= workers; ++n)
+        m_cuts[static_cast<std::size_t>(n)] = static_cast<std::int32_t>(whole * n / workers);
 }
 
 void TeamShares::note(std::span<const double> busy) {
