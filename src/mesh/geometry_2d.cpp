@@ -239,8 +239,8 @@ bool shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) 
     FlawedCells unnamed;
     FlawedCells singular;
     FlawedCells open;
-    FlawedCells pointed;
-#pragma omp parallel for schedule(static) reduction(addFlaws : unnamed, singular, open, pointed)
+    FlawedCells withoutLength;
+#pragma omp parallel for schedule(static) reduction(addFlaws : unnamed, singular, open, withoutLength)
     for (std::int32_t slot = 0; slot < mesh.cellCount; ++slot) {
         if (const std::int32_t soon = slot + ahead; soon < mesh.cellCount) {
             const std::size_t s = order.number(static_cast<std::size_t>(soon));
@@ -253,7 +253,7 @@ bool shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) 
         fillConnections(cells[i], slot, cell);
         const Vec2& centre = centres[static_cast<std::size_t>(slot)];
         if (!shapeCell(cell, c, cells[i], faces, centre))
-            pointed.add(c);
+            withoutLength.add(c);
         if (!setWeights(centre, neighbourSlotsOf(slot), centres, cell.lsq))
             singular.add(c);
         if (cell.faceCount == 0)
@@ -267,7 +267,7 @@ bool shapeCells(const Faces& faces, const Cells& cells, const Centres& centres) 
                            QStringLiteral("the neighbours lie on one line, gradient weights are 0"));
     reportCells<Records2D>(open, QStringLiteral("the faces do not run round the cell in one direction, its "
                                                 "area and centre are wrong"));
-    reportCells<Records2D>(pointed, QStringLiteral("a face has no length, the time step will be 0"));
+    reportCells<Records2D>(withoutLength, QStringLiteral("a face has no length, the time step will be 0"));
     return true;
 }
 

@@ -88,13 +88,13 @@ TEST_P(LoopTeam, AWorkerThatIsSlowGetsLessAndEveryRecordIsStillDoneOnce) {
     constexpr std::int32_t count = 100;
     std::int32_t firstShare = 0;
     withTeam([&] {
-        for (int job = 0; job < 100; ++job) {
+        for (int job = 0; job < 60; ++job) {
             std::atomic<int> done{0};
             runOnTeam([&](const TeamMember& member) {
                 const auto [first, last] = member.shareOf(0, count);
                 const bool slow = first > 0;
                 for (int half = 0; half < 2; ++half) {
-                    const std::chrono::microseconds each(slow ? 30 : 10);
+                    const std::chrono::microseconds each(slow ? 120 : 40);
                     std::this_thread::sleep_for(each * (last - first) / 2);
                     member.barrier(); // what the fast one waits is not its work
                 }
