@@ -584,7 +584,7 @@ private slots:
         const Shell shell;
         shell.choose("actionHelp");
         QTimer::singleShot(0, shell.window.get(), &QWidget::close);
-        QTimer::singleShot(10000, qApp, [] { QCoreApplication::exit(77); });
+        QTimer::singleShot(60000, qApp, [] { QCoreApplication::exit(77); });
         QCOMPARE(QCoreApplication::exec(), 0);
         QVERIFY(!shell.window->isVisible());
         QVERIFY(fluvane::stopRequested());
