@@ -4,6 +4,7 @@
 #include "dialogs/case_settings.h"
 #include "mesh/mesh.h"
 #include "output/result_file.h"
+#include "require.h"
 #include "solver2d/run_support.h"
 
 #include <QDir>
@@ -59,7 +60,7 @@ Run runMelting(const Context& context, const QString& name, const PlaneMesh& pla
                const std::function<int()>& advance) {
     const PlaneSetUp setUp = planeSetUp(m);
     prepare(context, name, plane, setUp);
-    setThreads(context.threads);
+    require(setThreads(context.threads), "the threads asked for");
     Run run;
     run.name = name;
     run.mesh = plane.words;

@@ -6,6 +6,7 @@
 #include "mesh/geometry_2d.h"
 #include "mesh/mesh.h"
 #include "output/terminal.h"
+#include "require.h"
 #include "setup/initial_fields.h"
 #include "solver2d/drivers.h"
 #include "support/mesh_file.h"
@@ -20,19 +21,10 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 
 namespace fluvane::validation {
 
 namespace {
-
-void require(bool good, const QString& what) {
-    if (good)
-        return;
-    std::fprintf(stderr, "fluvane_validation: %s: %s\n", qPrintable(what),
-                 qPrintable(takeProblems().join("; ")));
-    std::abort();
-}
 
 QString zoneWords(const support::Zone& z) {
     QString words = "\"No Slip->Translation\"";

@@ -6,7 +6,7 @@
 #include "mesh/geometry_3d.h"
 #include "mesh/mesh.h"
 #include "output/result_file.h"
-#include "output/terminal.h"
+#include "require.h"
 #include "setup/initial_fields.h"
 #include "solver2d/run_support.h"
 #include "support/mesh_builder.h"
@@ -21,20 +21,11 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 
 namespace fluvane::validation {
 
 namespace {
-
-void require(bool good, const QString& what) {
-    if (good)
-        return;
-    std::fprintf(stderr, "fluvane_validation: %s: %s\n", qPrintable(what),
-                 qPrintable(takeProblems().join("; ")));
-    std::abort();
-}
 
 QString zoneWords(const support::Zone3D& z) {
     QString words = z.flowKind == 2 ? "\"Outflow\"" : "\"No Slip->Translation\"";
@@ -60,7 +51,7 @@ void prepare3D(const Context& context, const QString& name, const SpaceMesh& spa
     require(static_cast<int>(s.zones.size()) == mesh.zoneCount, "a condition for each zone of " + name);
     for (std::size_t z = 0; z < s.zones.size(); ++z)
         support::assignZone(static_cast<int>(z), s.zones[z]);
-    setThreads(context.threads);
+    require(setThreads(context.threads), "the threads asked for");
 }
 
 QString wordsFor(int nx, int n) {

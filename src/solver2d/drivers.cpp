@@ -96,9 +96,8 @@ bool stepThroughTime(int steps, int saveInterval, const QString& base) {
 
 bool runSteady2D(MainWindow*, unsigned threads, double tolU, double tolT, int steps, int saveInterval,
                  const QString& fileName) {
-    if (!canRun(false, saveInterval))
+    if (!canRun(false, saveInterval) || !setThreads(threads))
         return false;
-    setThreads(threads);
     SteadyRun run;
     run.step = step2D;
     run.save = save;
@@ -112,9 +111,8 @@ bool runSteady2D(MainWindow*, unsigned threads, double tolU, double tolT, int st
 }
 
 bool runTransient2D(MainWindow*, unsigned threads, int steps, int saveInterval, const QString& fileName) {
-    if (!canRun(false, saveInterval))
+    if (!canRun(false, saveInterval) || !setThreads(threads))
         return false;
-    setThreads(threads);
     bool ended = false;
     withTeam([&] { ended = stepThroughTime(steps, saveInterval, baseName(fileName)); });
     return ended;

@@ -6,7 +6,12 @@
 #include "solver2d/loop_team.h"
 #include "velocity/velocity_set.h"
 
+#include <algorithm>
+#include <atomic>
 #include <omp.h>
+#include <system_error>
+#include <thread>
+#include <vector>
 
 namespace fluvane {
 
@@ -43,6 +48,23 @@ Outcome advance(const SteadyRun& run, std::int64_t n) {
     return converged(run, n) ? Outcome::converged : Outcome::goesOn;
 }
 
+/// Starts as many threads beside the calling one, at the same time, and ends them again.
+bool canHaveThreads(unsigned threads) {
+    std::atomic<bool> seen{false};
+    std::vector<std::thread> others;
+    others.reserve(threads - 1);
+    try {
+        while (others.size() + 1 < threads)
+            others.emplace_back([&seen] { seen.wait(false); });
+    } catch (const std::system_error&) {
+    }
+    seen = true;
+    seen.notify_all();
+    for (std::thread& other : others)
+        other.join();
+    return others.size() + 1 == threads;
+}
+
 } // namespace
 
 bool meshHasDimension(bool is3D) {
@@ -67,9 +89,16 @@ bool canRun(bool is3D, int saveInterval) {
     return reason.isEmpty();
 }
 
-void setThreads(unsigned threads) {
-    if (threads > 0)
-        omp_set_num_threads(static_cast<int>(threads));
+bool setThreads(unsigned threads) {
+    if (threads == 0)
+        return true;
+    if (!canHaveThreads(std::min(threads, static_cast<unsigned>(omp_get_thread_limit())))) {
+        appendTerminalLine(
+            QString("%1 threads cannot be had here: ask for fewer. Nothing was started.").arg(threads));
+        return false;
+    }
+    omp_set_num_threads(static_cast<int>(threads));
+    return true;
 }
 
 QString baseName(const QString& fileName) {

@@ -20,8 +20,9 @@ bool meshHasDimension(bool is3D);
 /// opposite.
 bool canRun(bool is3D, int saveInterval);
 
-/// The threads of every later parallel loop of the calling thread; 0 leaves them as they are.
-void setThreads(unsigned threads);
+/// The threads of every later parallel loop of the calling thread; 0 leaves them as they are. False, with a
+/// terminal line, when the process cannot have as many: the OpenMP runtime would end it.
+bool setThreads(unsigned threads);
 
 /// The result file's path, its name without any ".dat"; folders keep theirs.
 QString baseName(const QString& fileName);

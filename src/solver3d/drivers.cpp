@@ -10,9 +10,8 @@ namespace fluvane {
 
 bool run3D(MainWindow*, unsigned threads, double, double, int steps, int saveInterval,
            const QString& fileName) {
-    if (!canRun(true, saveInterval))
+    if (!canRun(true, saveInterval) || !setThreads(threads))
         return false;
-    setThreads(threads);
     SteadyRun run;
     run.step = step3D;
     run.save = [](const QString& path) { saveInstant(path, captureResult3D, writeResult3D); };

@@ -11,6 +11,7 @@
 #include "solver2d/time_step.h"
 #include "support/case_runner.h"
 #include "support/mesh_builder.h"
+#include "support/spare_memory.h"
 
 #include <QDir>
 #include <QFile>
@@ -168,6 +169,20 @@ TEST_F(Drivers, VelocityWithoutItsOppositeIsRefusedInsteadOfOverrunning) {
     ASSERT_EQ(lines.size(), 2);
     EXPECT_TRUE(lines[0].contains("opposite"));
     EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(Drivers, MoreThreadsThanTheProcessCanHaveAreRefusedInsteadOfEndingIt) {
+    if (!support::addressSpaceIsOurs)
+        GTEST_SKIP() << "the address space cannot be limited here";
+    {
+        const support::SpareMemory spare(std::size_t{40} << 20); // a stack takes 2 MB or more
+        EXPECT_FALSE(runSteady2D(nullptr, 50, 1e-9, 1e-9, 5, 1, folder.filePath("run.dat")));
+        EXPECT_FALSE(runTransient2D(nullptr, 50, 5, 1, folder.filePath("run.dat")));
+    }
+    const QString refusal = "50 threads cannot be had here: ask for fewer. Nothing was started.";
+    EXPECT_EQ(lines, QStringList({refusal, refusal}));
+    EXPECT_TRUE(files().isEmpty());
+    EXPECT_TRUE(steady(1, 1));
 }
 
 TEST_F(Drivers, NaNEndsAnUnlimitedRunWithoutAWord) {

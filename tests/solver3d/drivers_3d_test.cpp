@@ -13,6 +13,7 @@
 #include "support/case_runner.h"
 #include "support/mesh_builder.h"
 #include "support/mesh_builder_3d.h"
+#include "support/spare_memory.h"
 
 #include <QDir>
 #include <QFile>
@@ -103,6 +104,17 @@ protected:
 };
 
 } // namespace
+
+TEST_F(Drivers3D, MoreThreadsThanTheProcessCanHaveAreRefusedInsteadOfEndingIt) {
+    if (!support::addressSpaceIsOurs)
+        GTEST_SKIP() << "the address space cannot be limited here";
+    {
+        const support::SpareMemory spare(std::size_t{40} << 20); // a stack takes 2 MB or more
+        EXPECT_FALSE(run3D(nullptr, 50, 1e-9, 1e-9, 5, 1, folder.filePath("run.dat")));
+    }
+    EXPECT_EQ(lines, QStringList("50 threads cannot be had here: ask for fewer. Nothing was started."));
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+}
 
 TEST_F(Drivers3D, OneStepWritesStepZeroAndTheFinalFile) {
     EXPECT_TRUE(run(1, 1));
