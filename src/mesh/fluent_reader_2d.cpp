@@ -39,8 +39,12 @@ bool Reader2D::endNodes() {
 bool Reader2D::readFace() {
     std::array<std::int32_t, 4> words{};
     std::string_view rest;
-    if (!parseFaceWords(m_scan.line(), words.data(), 4, rest) || !onlyHexWords(rest))
+    if (!parseFaceWords(m_scan.line(), words.data(), 4, rest))
         return m_scan.refuseLine(QStringLiteral("a face as \"n0 n1 c0 c1\" in hexadecimal"));
+    // Further words mean nothing, but a zone that ended here would take the sections after it for faces.
+    if (rest.find(')') != std::string_view::npos)
+        return m_scan.refuseLine(
+            QStringLiteral("a face as \"n0 n1 c0 c1\" and the \")\" of its zone on a line of its own"));
     if (isMixedType() && words[0] == 2 && !takeWord(rest).empty())
         return refuseMixedZone();
     const FaceLine face{{words[0], words[1]}, words[2], words[3]};

@@ -223,11 +223,4 @@ bool hasUpperCaseHex(std::string_view line) {
     return std::any_of(line.begin(), line.end(), [](char c) { return c >= 'A' && c <= 'F'; });
 }
 
-bool onlyHexWords(std::string_view text) {
-    for (const char c : text)
-        if (hexOf(c) == notHex)
-            return false;
-    return true;
-}
-
 } // namespace fluvane

@@ -84,7 +84,4 @@ bool parseLowerCaseFaceWords(std::string_view line, std::int32_t* values, int mo
 /// Whether a line of hexadecimal words has a letter that `parseHex` takes for 0.
 bool hasUpperCaseHex(std::string_view line);
 
-/// True when every word is hexadecimal; also for no word.
-bool onlyHexWords(std::string_view text);
-
 } // namespace fluvane

@@ -124,7 +124,7 @@ TEST_F(FluentReader2DTest, FaceLinesAcceptBothLetterCases) {
 }
 
 TEST_F(FluentReader2DTest, WordsAfterTheFourthOfAFaceLineAreIgnored) {
-    ASSERT_TRUE(read(withLine(lastInteriorFace, " 000e\t13  b c 99 f ")));
+    ASSERT_TRUE(read(withLine(lastInteriorFace, " 000e\t13  b c 99 f -1 wall (")));
     EXPECT_EQ(mesh.faces2D[16].n1, 0x12);
     EXPECT_EQ(mesh.faces2D[16].c1, 0xb);
 }
@@ -294,6 +294,7 @@ TEST_F(FluentReader2DTest, JunkInNodeAndFaceLinesIsRefused) {
 }
 
 TEST_F(FluentReader2DTest, OtherPlacesOfTheParenthesesAreRefused) {
+    expectRefused(withLine(lastInteriorFace, "e 13 b c )"), {"line 49", "on a line of its own"});
     expectRefused(replaced(grid.text(), "(10 (1 1 14 1 2)\n(\n", "(10 (1 1 14 1 2)(\n"),
                   {"line 6", "opens the node block"});
     expectRefused(replaced(grid.text(), "(13 (3 1 11 2 2)(\n", "(13 (3 1 11 2 2)\n(\n"),
