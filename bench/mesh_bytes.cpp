@@ -17,6 +17,13 @@ std::size_t recordBytes() {
                  mesh.neighbourList, mesh.lsqList2D, mesh.lsqList3D);
 }
 
+/// What lies beside the records: corners for result files, liquid fractions at walls, places of a mesh that
+/// is stored in another order than its file's.
+std::size_t sideBytes() {
+    return bytes(mesh.cellNodes2D, mesh.wallLiquidFractions, mesh.neighbourSlots, mesh.faceCellSlots,
+                 mesh.cellFaceSlots2D, mesh.cellFaceSlots3D);
+}
+
 std::size_t flowBytes() {
     const CellPools& p = mesh.cellPools;
     return bytes(p.fTilde, p.fBarPlus, p.fTildePlus, p.gradFBarPlus, mesh.facePools.fFace);
@@ -30,7 +37,8 @@ std::size_t heatBytes() {
 } // namespace
 
 std::size_t meshBytes() {
-    return bytes(mesh.pointX, mesh.pointY, mesh.pointZ) + recordBytes() + flowBytes() + heatBytes();
+    return bytes(mesh.pointX, mesh.pointY, mesh.pointZ) + recordBytes() + sideBytes() + flowBytes() +
+           heatBytes();
 }
 
 std::size_t stepBytes() {

@@ -16,12 +16,16 @@ constexpr int chains = laneCount == 8 ? 20 : 12;
 int multiplyAdd(long rounds, const double* factors, double* result) {
     const Vector a = Vector::load(factors);
     const Vector b = Vector::load(factors + laneCount);
+    // Unrolled, or the chains pass through memory.
     Vector x[chains];
+#pragma GCC unroll 20
     for (int n = 0; n < chains; ++n)
         x[n] = Vector::load(result + n * laneCount);
     for (long round = 0; round < rounds; ++round)
+#pragma GCC unroll 20
         for (int n = 0; n < chains; ++n)
             x[n] = x[n] * a + b;
+#pragma GCC unroll 20
     for (int n = 0; n < chains; ++n)
         x[n].store(result + n * laneCount);
     return chains * laneCount;
