@@ -1,16 +1,25 @@
-// Keeps out of the window tests' output what the offscreen platform says of every window with a fixed size.
+// What a window test wants of the platform: settings of its own, and silence about sizes.
 #include <QCoreApplication>
 #include <QEvent>
 #include <QObject>
 #include <QString>
+#include <QTemporaryDir>
 
 namespace {
 
+/// File dialogs keep their history in a file that all programs of a user share and lock: the tests that run
+/// at the same time would wait for each other, and the developer would find their folders in it.
+void keepSettingsApart() {
+    static const QTemporaryDir folder;
+    qputenv("XDG_CONFIG_HOME", folder.path().toLocal8Bit());
+}
+
 QtMessageHandler testHandler = nullptr;
 
-/// Whatever else is said is worth reading, and would be lost among hundreds of these.
+/// The offscreen platform says one line of every window with a fixed size. Whatever else is said is worth
+/// reading, and would be lost among hundreds of these.
 void leaveOutSizeHints(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    if (text != QLatin1String("This plugin does not support propagateSizeHints()"))
+    if (testHandler && text != QLatin1String("This plugin does not support propagateSizeHints()"))
         testHandler(type, context, text);
 }
 
@@ -27,11 +36,12 @@ public:
     }
 };
 
-void awaitFirstWindow() {
+void prepare() {
+    keepSettingsApart();
     QCoreApplication* const app = QCoreApplication::instance();
     app->installEventFilter(new FirstWindow(app));
 }
 
 } // namespace
 
-Q_COREAPP_STARTUP_FUNCTION(awaitFirstWindow)
+Q_COREAPP_STARTUP_FUNCTION(prepare)
