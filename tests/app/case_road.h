@@ -61,15 +61,24 @@ inline void open(Shell& shell, const QuadMesh& mesh) {
 }
 
 /// Compute with two threads, saving under `name` in the shell's folder.
-inline void compute(Shell& shell, const QString& steps, const QString& interval, const QString& name) {
+inline void compute(Shell& shell, const QString& steps, const QString& interval, const QString& name,
+                    const QString& tolerance = {}) {
     shell.answers.names = QStringList{shell.path(name)};
     shell.find<QPushButton>("pushButton_compute")->click();
     QWidget* const control = Shell::dialog("NUM_Process_Win");
     type(control, "lineEdit_Process", "2");
     type(control, "lineEdit_Time_Step", steps);
     type(control, "lineEdit_Terminal", interval);
+    if (!tolerance.isEmpty())
+        for (const char* const field : {"lineEdit_Error_U", "lineEdit_Error_T"})
+            type(control, field, tolerance);
     Shell::press(control, "pushButton_ok");
     QVERIFY(shell.window->isVisible());
+}
+
+/// The same for a run that neither converges nor comes to its last step while a test lasts.
+inline void computeWithoutEnd(Shell& shell, const QString& interval, const QString& name) {
+    compute(shell, "10000000", interval, name, "0");
 }
 
 } // namespace road

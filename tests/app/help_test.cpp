@@ -43,11 +43,12 @@ private slots:
         const QString text = browser->toPlainText();
         int at = 0;
         for (const char* const word :
-             {"ICEM",      ".msh",           "File",         "Open",    "2D",      "3D",   "Velocity_file",
-              ".2Dv",      ".3Dv",           "Num of Cell",  "Initial", "Lattice", "CFL",  "RT",
-              "Flow type", "Heat transfer",  "Phase change", "Ma",      "Ra",      "Re",   "Pr",
-              "Boundary",  "Adiabat",        "Constant T",   "ux",      "uy",      "Last", "Next",
-              "Compute",   "NUM of Process", "Terminal",     "Error_U", "Error_T", "Save", ".dat"}) {
+             {"ICEM",    ".msh", "File",        "Open",           "2D",           "3D",       "Velocity_file",
+              ".2Dv",    ".3Dv", "Num of Cell", "Num of Point",   "Num of Face",  "Initial",  "Lattice",
+              "CFL",     "RT",   "Flow type",   "Heat transfer",  "Phase change", "Ma",       "Ra",
+              "Re",      "Pr",   "Boundary",    "Adiabat",        "Constant T",   "ux",       "uy",
+              "Last",    "Next", "Compute",     "NUM of Process", "Time Steps",   "Terminal", "Error_U",
+              "Error_T", "Save", ".dat"}) {
             at = text.indexOf(QLatin1String(word), at);
             QVERIFY2(at >= 0, word);
         }

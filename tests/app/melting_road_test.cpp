@@ -180,8 +180,8 @@ private slots:
             return;
         shell.find<QTextBrowser>("textBrowser")->clear();
         road::compute(shell, "300", "100", "run.dat");
-        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), 60000);
-        QTRY_COMPARE(shell.terminal().size(), 5);
+        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), patience);
+        QTRY_COMPARE_WITH_TIMEOUT(shell.terminal().size(), 5, patience);
         QCOMPARE(shell.terminal().mid(0, 4), QStringList({"time=0", "time=100", "time=200", "Compute done"}));
 
         QStringList expected{"run_fl.txt", "run_Tave.txt"};
@@ -219,7 +219,7 @@ private slots:
         if (QTest::currentTestFailed())
             return;
         road::compute(shell, "1", "1", "run.dat");
-        QTRY_VERIFY(!fluvane::runActive());
+        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), patience);
         shell.choose("actionFace");
         const QList<QByteArray> lines = road::linesOf(shell.path("face.txt"));
         QCOMPARE(lines.size(), fluvane::mesh.totalFaceCount());

@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QStringList>
@@ -47,8 +48,14 @@ private:
             dialog.reject();
             return;
         }
+        const QString name = names.takeFirst();
+        if (dialog.acceptMode() == QFileDialog::AcceptOpen && !QFileInfo(name).isFile()) {
+            seen << name + " is not there"; // the dialog would say so in a box that nobody answers
+            dialog.reject();
+            return;
+        }
         auto* const edit = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        edit->setText(names.takeFirst());
+        edit->setText(name);
         QTest::keyClick(edit, Qt::Key_Return);
     }
 

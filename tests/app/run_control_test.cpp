@@ -85,9 +85,9 @@ private slots:
         QWidget* const field = dialog.field("lineEdit_Time_Step");
         field->setFocus();
         QTest::keyClick(field, Qt::Key_Return);
-        QTRY_COMPARE(ok.count(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(ok.count(), 1, patience);
         QTest::keyClick(field, Qt::Key_Escape);
-        QTRY_COMPARE(cancel.count(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(cancel.count(), 1, patience);
     }
 
     void hasTheSizeAndTitleOfItsForm() {

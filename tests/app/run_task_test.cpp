@@ -4,6 +4,7 @@
 #include "shell_fixture.h"
 
 #include <QMutex>
+#include <QScopeGuard>
 #include <QSemaphore>
 #include <QtConcurrent>
 
@@ -34,8 +35,8 @@ private slots:
         task.steps = 1;
         task.fileName = folder.filePath("run.dat");
         QVERIFY(startRunTask(task));
-        QTRY_VERIFY(!fluvane::runActive());
-        QTRY_VERIFY(QThreadPool::globalInstance()->activeThreadCount() == 0);
+        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount() == 0, patience);
         QVERIFY(said.contains("Compute done"));
         QVERIFY(QFile::exists(folder.filePath("run_1.dat")));
     }
@@ -49,17 +50,21 @@ private slots:
         task.steps = 1;
         task.fileName = folder.filePath("run.dat");
         QSemaphore toolkitRan;
+        const auto after = qScopeGuard([&] {
+            toolkitRan.release(100);
+            pool->waitForDone();
+            fluvane::setTerminalSink({});
+            pool->setMaxThreadCount(before);
+        });
         fluvane::setTerminalSink([&toolkitRan](const QString&) {
             if (fluvane::runActive()) // the run waits in its line for a job of the toolkit, as the window
                                       // would
-                toolkitRan.tryAcquire(1, 5000);
+                toolkitRan.tryAcquire(1, 2 * patience);
         });
         QVERIFY(startRunTask(task));
         QtConcurrent::run([&toolkitRan] { toolkitRan.release(100); });
-        QVERIFY(toolkitRan.tryAcquire(1, 4000));
-        QTRY_VERIFY(!fluvane::runActive());
-        pool->waitForDone();
-        pool->setMaxThreadCount(before);
+        QVERIFY(toolkitRan.tryAcquire(1, patience));
+        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), patience);
     }
 
     void aSecondRunIsNotStarted() {
@@ -82,7 +87,7 @@ private slots:
         task.steady = false;
         task.fileName = folder.filePath("run.dat");
         QVERIFY(startRunTask(task));
-        QTRY_VERIFY(!fluvane::runActive());
+        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), patience);
         QVERIFY(QFile::exists(folder.filePath("run_fl.txt")));
         QVERIFY(QFile::exists(folder.filePath("run_Tave.txt")));
     }
@@ -102,7 +107,7 @@ private slots:
         task.steady = steady;
         task.fileName = folder.filePath("run.dat");
         QVERIFY(startRunTask(task));
-        QTRY_VERIFY(!fluvane::runActive());
+        QTRY_VERIFY_WITH_TIMEOUT(!fluvane::runActive(), patience);
         // Nothing changes in the empty mesh, so the check of step 0 ends the run.
         QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList("run_0.dat"));
         QFile file(folder.filePath("run_0.dat"));

@@ -7,6 +7,7 @@
 #include "mesh/run_gate.h"
 #include "modal_answers.h"
 #include "output/terminal.h"
+#include "patience.h"
 #include "velocity/velocity_set.h"
 
 #include <QAction>

@@ -2,6 +2,7 @@
 #include "app/terminal_feed.h"
 
 #include "output/terminal.h"
+#include "patience.h"
 
 #include <QScrollBar>
 #include <QTest>
@@ -60,7 +61,7 @@ private slots:
             QCoreApplication::processEvents();
         for (std::thread& speaker : speakers)
             speaker.join();
-        QTRY_COMPARE(linesOf(pane).size(), threads * lines);
+        QTRY_COMPARE_WITH_TIMEOUT(linesOf(pane).size(), threads * lines, patience);
         std::vector<int> next(threads, 0);
         for (const QString& line : linesOf(pane)) {
             const QStringList words = line.split(' ');

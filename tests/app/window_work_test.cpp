@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QTest>
 #include <QThread>
 #include <QThreadPool>
@@ -44,14 +45,16 @@ private slots:
     void aPoolThatIsBusyDoesNotHoldItUp() {
         std::atomic<bool> done{false};
         QThreadPool* const pool = QThreadPool::globalInstance();
+        const auto after = qScopeGuard([&] {
+            done = true;
+            pool->waitForDone();
+        });
         for (int i = 0; i < pool->maxThreadCount(); ++i)
             QtConcurrent::run([&done] {
                 while (!done)
                     std::this_thread::yield();
             });
         QVERIFY(doBesideWindow([] { return true; }));
-        done = true;
-        pool->waitForDone();
     }
 
     void theWorkIsCompleteWhenTheProgramEndsMeanwhile() {
