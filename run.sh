@@ -15,7 +15,7 @@ if [[ -n "${DISPLAY:-}" ]]; then
     exec "$root/build/release/src/fluvane" "$@"
 fi
 echo "No display: taking the guided tour."
-if [[ -d tour ]]; then
+if [[ -d tour && ! -L tour ]]; then
     touch tour/.made-by-the-tour # this folder is the tour's, whatever it holds
 fi
 exec xvfb-run -a -s "-screen 0 1280x1024x24" \

@@ -22,6 +22,7 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QSet>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTextBrowser>
 #include <QThread>
@@ -150,6 +151,12 @@ private:
             }
             auto* const edit = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
             const QFileInfo wanted(m_names.takeFirst());
+            if (files->acceptMode() == QFileDialog::AcceptOpen && !wanted.isFile()) {
+                // The dialog would say so in a box that nobody answers.
+                m_trouble = QStringLiteral("cannot find ") + wanted.filePath();
+                files->reject();
+                return;
+            }
             files->setDirectory(wanted.path());
             edit->setText(wanted.fileName());
             QTest::qWait(200); // the list of files is filled by another thread
@@ -341,15 +348,27 @@ QString caseHelp() {
 /// A file in the folders that tours filled.
 constexpr char markerName[] = ".made-by-the-tour";
 
-/// Removes what an earlier tour left; nothing else, whatever was typed for a folder.
+/// Removes what an earlier tour left; nothing else, whatever was typed for a folder, and nothing behind a
+/// link. Says why not.
 bool emptied(QDir& folder) {
-    return !folder.exists() || folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot) ||
-           (folder.exists(QString::fromLatin1(markerName)) && folder.removeRecursively());
+    if (!folder.exists() || folder.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+        return true;
+    const bool ours = folder.exists(QString::fromLatin1(markerName)) &&
+                      !QFileInfo(QDir::cleanPath(folder.path())).isSymLink();
+    if (ours && folder.removeRecursively())
+        return true;
+    std::fprintf(stderr,
+                 ours ? "cannot empty %s\n" : "%s holds files that no tour made; choose another folder\n",
+                 qPrintable(folder.absolutePath()));
+    return false;
 }
 
 } // namespace
 
 int main(int argc, char* argv[]) {
+    // The file windows look the same everywhere, and leave the user's own history alone.
+    const QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toLocal8Bit());
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     const QApplication application(argc, argv);
@@ -371,11 +390,8 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     QDir output(arguments.at(1));
-    if (!emptied(output)) {
-        std::fprintf(stderr, "%s holds files that no tour made; choose another folder\n",
-                     qPrintable(output.absolutePath()));
+    if (!emptied(output))
         return 1;
-    }
     QFile marker(output.filePath(QString::fromLatin1(markerName)));
     if (!output.mkpath(QStringLiteral("results")) || !marker.open(QIODevice::WriteOnly)) {
         std::fprintf(stderr, "cannot write into the folder %s\n", qPrintable(output.path()));
