@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <omp.h>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -48,21 +48,31 @@ Outcome advance(const SteadyRun& run, std::int64_t n) {
     return converged(run, n) ? Outcome::converged : Outcome::goesOn;
 }
 
-/// Starts as many threads beside the calling one, at the same time, and ends them again.
-bool canHaveThreads(unsigned threads) {
+/// Starts so many threads at the same time and ends them again.
+bool canStart(unsigned threads) {
     std::atomic<bool> seen{false};
-    std::vector<std::thread> others;
-    others.reserve(threads - 1);
+    std::vector<std::thread> started;
     try {
-        while (others.size() + 1 < threads)
-            others.emplace_back([&seen] { seen.wait(false); });
-    } catch (const std::system_error&) {
+        started.reserve(threads);
+        while (started.size() < threads)
+            started.emplace_back([&seen] { seen.wait(false); });
+    } catch (const std::exception&) {
     }
     seen = true;
     seen.notify_all();
-    for (std::thread& other : others)
-        other.join();
-    return others.size() + 1 == threads;
+    for (std::thread& thread : started)
+        thread.join();
+    return started.size() == threads;
+}
+
+/// Whether the calling thread can have a team of so many. The OpenMP runtime keeps the threads of its last
+/// team, so only those beyond are tried.
+bool canHaveTeam(unsigned threads) {
+    thread_local unsigned had = 1;
+    if (threads > had && !canStart(threads - had))
+        return false;
+    had = threads;
+    return true;
 }
 
 } // namespace
@@ -92,7 +102,7 @@ bool canRun(bool is3D, int saveInterval) {
 bool setThreads(unsigned threads) {
     if (threads == 0)
         return true;
-    if (!canHaveThreads(std::min(threads, static_cast<unsigned>(omp_get_thread_limit())))) {
+    if (!canHaveTeam(std::min(threads, static_cast<unsigned>(omp_get_thread_limit())))) {
         appendTerminalLine(
             QString("%1 threads cannot be had here: ask for fewer. Nothing was started.").arg(threads));
         return false;

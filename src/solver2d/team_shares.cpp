@@ -32,8 +32,8 @@ void TeamShares::follow() {
     double all = 0.0;
     for (std::size_t n = 0; n < m_sizes.size(); ++n)
         all += speed(n);
-    ++m_followed;
-    const double pace = std::max(0.1, 1.0 / (1.0 + m_followed));
+    const double pace = 1.0 / m_memory;
+    m_memory = std::min(m_memory + 1, 10);
     // Enough of a share to see whether its worker has become faster.
     const double least = 0.1 / static_cast<double>(m_sizes.size());
     for (std::size_t n = 0; n < m_sizes.size(); ++n)

@@ -21,8 +21,8 @@ public:
     std::int32_t last(int worker) const { return first(worker + 1); }
 
     /// Takes note of how many seconds each worker was busy with its share of a job. Once they add up to some
-    /// tenths of a millisecond, the shares follow: half the way the first time, later by a tenth, so that
-    /// what holds up a thread for a moment moves little.
+    /// tenths of a millisecond, the shares follow: half the way the first time, then less and less, at
+    /// last a tenth, so that what holds up a thread for a moment moves little.
     void note(std::span<const double> busy);
 
 private:
@@ -31,7 +31,7 @@ private:
     std::vector<double> m_sizes; ///< fractions of the whole, together 1
     std::vector<double> m_busy;  ///< seconds since the shares last followed
     std::vector<std::int32_t> m_cuts;
-    int m_followed = 0; ///< how often
+    int m_memory = 2; ///< over how many times the shares are averaged
 };
 
 } // namespace fluvane
