@@ -285,11 +285,16 @@ def run(options):
     _report(name, table, options)
 
 
+STANDARD_OUTPUT = "standard output"
+
+
 def main(arguments):
     for stream in ("stdout", "stderr"):
         if getattr(sys, stream) is None:  # closed by the shell
             setattr(sys, stream, open(os.devnull, "w"))
-    sys.stdout.reconfigure(errors="replace")  # zones may have names that the terminal cannot show
+    # Zones may have names that the terminal cannot show. What is printed is kept until the end, also where Python
+    # is told not to, so that a failure can be told from one of the files.
+    sys.stdout.reconfigure(errors="replace", write_through=False)
     # Numbers beyond all bounds end in a refusal, not in lines about arithmetic.
     warnings.simplefilter("ignore")
     named = None
@@ -300,9 +305,9 @@ def main(arguments):
             run(options)
         finally:
             _flush()
-    except BrokenPipeError:
-        pass  # whoever read the output has gone; there is nobody to tell
     except OSError as error:
+        if isinstance(error, BrokenPipeError) and error.filename in (None, STANDARD_OUTPUT):
+            return 0  # whoever read the report has gone; there is nobody to tell
         return _fail(error.filename or named, error.strerror or str(error))
     except (MeshError, GmshMissing) as error:
         return _fail(named, str(error))
@@ -322,7 +327,7 @@ def _flush():
     except OSError as error:
         # The interpreter would fail over the same text once more when it ends.
         os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
-        raise OSError(error.errno, error.strerror, "standard output") from error
+        raise OSError(error.errno, error.strerror, STANDARD_OUTPUT) from error
 
 
 def _fail(name, reason):

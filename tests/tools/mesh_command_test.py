@@ -181,9 +181,9 @@ class CommandLine(mesh_support.MeshTest):
         self.assertIn("(45 (7 wall Wände)())", self.out.read_text(encoding="utf-8"))
         Opened(2, self.out)
 
-    def shell(self, command):
+    def shell(self, command, **variables):
         """Runs a line of the shell in which $mesh is the tool; Python buffers its output as it does for users."""
-        environment = {key: value for key, value in os.environ.items() if key != "PYTHONUNBUFFERED"}
+        environment = {key: value for key, value in os.environ.items() if key != "PYTHONUNBUFFERED"} | variables
         line = command.replace("$mesh", f"'{mesh_support.sys.executable}' '{mesh_support.TOOL}'")
         return subprocess.run(["sh", "-c", line], cwd=self.folder, env=environment, capture_output=True, text=True)
 
@@ -195,12 +195,20 @@ class CommandLine(mesh_support.MeshTest):
     @unittest.skipUnless(os.path.exists("/dev/full"), "needs a device that is always full")
     def test_full_device_is_told_in_one_line(self):
         for words in (f"report '{CASES}/cavity/cavity_32.msh'", "make box", "--help"):
-            done = self.shell(f"$mesh {words} >/dev/full")
-            self.assertEqual((done.returncode, done.stderr.count("\n")), (1, 1), done.stderr)
-            self.assertRegex(done.stderr, "^fluvane-mesh: standard output: No space left")
+            for variables in ({}, {"PYTHONUNBUFFERED": "1"}):
+                done = self.shell(f"$mesh {words} >/dev/full", **variables)
+                self.assertEqual((done.returncode, done.stderr.count("\n")), (1, 1), done.stderr)
+                self.assertRegex(done.stderr, "^fluvane-mesh: standard output: No space left")
         done = self.shell("$mesh make box /dev/full")
         self.assertEqual((done.returncode, done.stderr.count("\n")), (1, 1), done.stderr)
         self.assertRegex(done.stderr, "^fluvane-mesh: /dev/full: No space left")
+
+    @unittest.skipUnless(hasattr(os, "mkfifo"), "needs pipes with names")
+    def test_mesh_into_a_pipe_that_nobody_reads_to_its_end_is_told(self):
+        os.mkfifo(self.folder / "pipe")
+        done = self.shell("head -c 10 pipe >/dev/null & $mesh make box pipe --cells 200")
+        self.assertEqual((done.returncode, done.stderr.count("\n")), (1, 1), done.stderr)
+        self.assertRegex(done.stderr, "^fluvane-mesh: pipe: Broken pipe")
 
     def test_closed_streams_do_not_stop_the_work(self):
         done = self.shell("$mesh make box out.msh >&-")
