@@ -34,6 +34,8 @@ protected:
         support::assignZone(0, support::wallAt(2.0));
         support::assignZone(1, support::wallAt(1.0));
         const int steps = support::runUntilSteady(1e-9, 500, 400000);
+        EXPECT_GT(steps, 0);
+        EXPECT_LT(steps, 400000) << "not settled";
         const double error = exactSolutionError();
         std::printf("annulus %s %d x %d: error %.4e after %d steps, tauG/dt %.2f\n",
                     triangles ? "triangles" : "quads", nr, nt, error, steps,
@@ -91,6 +93,8 @@ TEST_F(Conduction, SlabWithConstantFluxHasItsLinearProfile) {
     const double alpha = 0.003, q = 0.02;
     slab(n, alpha, q, 1, support::wallWithFlux(q));
     const int steps = support::runUntilSteady(1e-8, 1000, 100000);
+    EXPECT_GT(steps, 0);
+    EXPECT_LT(steps, 100000) << "not settled";
     const auto exact = [&](double x) { return q * x / alpha; };
     // Deliberate: the wall counts tangential velocities twice, which only the two cells next to it feel.
     const double inside = slabError(exact, 1.0 - 2.0 / n), whole = slabError(exact);
@@ -105,6 +109,8 @@ TEST_F(Conduction, SlabWithAHeatSourceHasTheParabolaOfTheSourceThatIsEffective) 
     slab(24, alpha, source, 2, support::wallAt(0.0));
     ASSERT_EQ(caseSettings.heatSource, source);
     const int steps = support::runUntilSteady(1e-8, 1000, 100000);
+    EXPECT_GT(steps, 0);
+    EXPECT_LT(steps, 100000) << "not settled";
     const double effective = source * 2.0 * caseSettings.tauG / (2.0 * caseSettings.tauG + caseSettings.dt);
     const double error = slabError([&](double x) { return effective * x * (1.0 - x) / (2.0 * alpha); });
     std::printf("source slab: error %.3e after %d steps, effective share %.4f\n", error, steps,

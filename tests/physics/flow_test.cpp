@@ -75,6 +75,7 @@ TEST_F(Flow, LidDrivenCavityAtRe100FollowsTheAccurateCentreLinesAndKeepsItsMass)
     const double massBefore = mass();
     const int steps = support::runUntilSteady(2e-7, 1000, 60000);
     ASSERT_GT(steps, 0);
+    ASSERT_LT(steps, 60000) << "not settled";
     double error = 0.0;
     for (const auto& [y, u] : uOfY)
         error = std::max(error, std::abs(uAt(0.5, y) - u));
@@ -98,6 +99,7 @@ TEST_F(Flow, NaturalConvectionAtRa1e4HasThePublishedMeanNusseltNumber) {
     support::assignZone(3, {});
     const int steps = support::runUntilSteady(5e-7, 1000, 60000);
     ASSERT_GT(steps, 0);
+    ASSERT_LT(steps, 60000) << "not settled";
     const double nusselt = support::leftWallNusselt(n, 0.5);
     // 2.2448: de Vahl Davis, IJNMF 3 (1983) 249 as refined by Hortmann, Peric and Scheuerer, IJNMF 11 (1990)
     // 189.
@@ -117,6 +119,7 @@ TEST_F(Flow, CouetteFlowHasItsLinearProfile) {
         assignBoundary2D(i, i + 1, mesh.faces2D[static_cast<std::size_t>(i)].yf, 0.0, 0, 0, 0.0, 0.0);
     const int steps = support::runUntilSteady(1e-9, 500, 40000);
     ASSERT_GT(steps, 0);
+    ASSERT_LT(steps, 40000) << "not settled";
     double error = 0.0;
     for (const CellRecord& c : mesh.cells2D)
         error = std::max(error, std::abs(c.u / caseSettings.U0 - c.yc));

@@ -14,7 +14,11 @@ struct Deviation {
     double magnitude = 0.0;
 
     void add(double ours, double theirs) {
-        difference = std::max(difference, std::isfinite(ours) ? std::abs(ours - theirs) : INFINITY);
+        if (!std::isfinite(ours) || !std::isfinite(theirs)) {
+            difference = INFINITY;
+            return;
+        }
+        difference = std::max(difference, std::abs(ours - theirs));
         magnitude = std::max(magnitude, std::abs(theirs));
     }
     void add(const double* ours, const double* theirs, int count) {
