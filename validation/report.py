@@ -12,8 +12,8 @@ _HEAD = """\
 
 What the program computes, held against exact solutions and published figures. Every case goes the way of the windows:
 velocity file, mesh file, lattice, physics and boundary settings, driver, result file; the set-up says what to type. On finer
-meshes the errors typed shrink with the spacing in most cases, so that the change per unit of time is the same. All
-numbers and plots below were written by `validation/run.py`; `validation/run.py --quick` is the short form that the tests
+meshes the errors typed shrink with the spacing in most cases, so that the change per unit of time is the same. The
+tables and plots below were written by `validation/run.py`; `validation/run.py --quick` is the short form that the tests
 run.
 
 Machine of these runs: {cores} cores shared with other work, each case on one core, so that times are upper bounds.
@@ -23,15 +23,16 @@ Together the runs took {minutes:.0f} minutes of one core.
 _READING = """\
 ## Reading the figures
 
-- **The mesh** is what limits most figures: deviations of the cavity and of natural convection fall at about second order,
-  and a figure outside its band on the finest mesh here lies where that order puts it, but for the drag and the lift
-  of the shedding cylinder, which hardly change with the mesh.
+- **The mesh** is what limits most figures: deviations of the cavity and of natural convection up to Ra 1e5 fall at about
+  second order, and what is outside its band for the cavity at Re 1000 and for the heated cube at Ra 1e5 lies where that
+  order puts it. Natural convection at Ra 1e6 and the cube at Re 1000 are not so far yet: their errors fall, but slower than that. The drag and the lift of
+  the shedding cylinder hardly change with the mesh.
 - **Mach number and time step.** Against what compressibility alone would suggest, a smaller Mach number makes the
   cavity at Re 100 on coarse meshes worse: in lattice units the viscosity shrinks with it, while the diffusion that the
   reconstruction adds does not. The time step acts either way: with a shorter one the cavity at Re 100 on coarse meshes
   gets better, at Re 1000 worse, and natural convection much worse: there CFL 0.5 instead of 0.4 nearly halves the error,
   but it breaks off at Mach number 0.1 and at Ra 1e3 on the finest squares, and 0.55 did not settle. See the cases on
-  both. In the cube CFL 0.35 instead of 0.25 is nearer at Re 100 (least u -0.2164 rather than -0.2186 on 16 x 16 x 16
+  both; figures here that stand in none of them were tried once. In the cube CFL 0.35 instead of 0.25 is nearer at Re 100 (least u -0.2164 rather than -0.2186 on 16 x 16 x 16
   cubes) and farther off at Re 400 (-0.2257 rather than -0.2310). Where the mesh is fine enough that this no longer
   matters, the Mach number's own error is what remains: Couette flow shows it alone.
 - **Relaxation time at walls.** Adiabatic walls slow conduction along them by the order of the relaxation time. At the

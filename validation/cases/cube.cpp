@@ -124,7 +124,7 @@ SpaceSetUp cubeSetUp(double Re, int n) {
     else
         s.CFL = 0.35;
     if (Re > 400.0)
-        s.maxSteps = 14000; // the last digits still move
+        s.maxSteps = 40000;
     s.zones = std::vector<support::Zone3D>(6);
     s.zones[5].velocity = {1.0, 0.0, 0.0};
     // Per step, so that the change per unit of time is the same on every mesh.
