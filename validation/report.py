@@ -38,9 +38,9 @@ _READING = """\
 - **Relaxation time at walls.** Adiabatic walls slow conduction along them by the order of the relaxation time. At the
   lowest Rayleigh number it is longest against the mesh: there the largest and smallest Nusselt numbers, which sit in the
   corners, do not converge, and the mean by the scheme's fluxes keeps an offset. A smaller Mach number shortens it.
-- **Outflow** takes what the cell beside it has and fixes no pressure. The profile of a channel is right, but what leaves
-  differs from what enters while the density drifts; on triangles more than on squares. A profile typed at both ends keeps
-  the balance better.
+- **Outflow** takes what the cell beside it has and fixes no pressure. The profile of a channel that is long enough,
+  as that at Re 20 is, comes out right, but what leaves differs from what enters while the density drifts; on
+  triangles more than on squares. A profile typed at both ends keeps the balance better.
 - **Cells drawn to the walls** are worth more than more cells where boundary layers are thin: natural convection at
   Ra 1e5 on 48 x 48 clustered cells is nearer to the published Nusselt number than on 96 x 96 squares, and the cube on
   12 x 12 x 12 bricks nearer than on 16 x 16 x 16 cubes. The cavity gains at Re 1000 and not at Re 100.

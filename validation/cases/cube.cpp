@@ -242,7 +242,7 @@ Result cube1000(const Context& context) {
 
 const Registered at100({75, "cube-100", "Lid-driven cube, Re 100", cube100, 400});
 const Registered at400({76, "cube-400", "Lid-driven cube, Re 400", cube400, 500, false});
-const Registered at1000({77, "cube-1000", "Lid-driven cube, Re 1000", cube1000, 500, false});
+const Registered at1000({77, "cube-1000", "Lid-driven cube, Re 1000", cube1000, 780, false});
 
 } // namespace
 
