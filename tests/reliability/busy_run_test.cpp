@@ -116,9 +116,6 @@ private slots:
         prepare(shell);
         // A field just set to rest has not changed: below no tolerance, so that a look at it then ends
         // nothing.
-        QWidget* const control = Shell::dialog("NUM_Process_Win");
-        type(control, "lineEdit_Error_U", "");
-        type(control, "lineEdit_Error_T", "");
         computeWithoutEnd(shell, "20", "run.dat");
         for (int round = 0; round < 5; ++round) {
             setUp(shell, true);

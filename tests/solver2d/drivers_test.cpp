@@ -185,6 +185,20 @@ TEST_F(Drivers, MoreThreadsThanTheProcessCanHaveAreRefusedInsteadOfEndingIt) {
     EXPECT_TRUE(steady(1, 1));
 }
 
+TEST_F(Drivers, ThreadsThatTheLastRunLeftAreNotAskedForOnceMore) {
+    if (!support::addressSpaceIsOurs)
+        GTEST_SKIP() << "the address space cannot be limited here";
+    const auto withFifty = [this] {
+        return runSteady2D(nullptr, 50, 1e-9, 1e-9, 1, 1, folder.filePath("run.dat"));
+    };
+    EXPECT_TRUE(withFifty());
+    {
+        const support::SpareMemory spare(std::size_t{40} << 20);
+        EXPECT_TRUE(withFifty());
+    }
+    EXPECT_TRUE(steady(1, 1));
+}
+
 TEST_F(Drivers, NaNEndsAnUnlimitedRunWithoutAWord) {
     mesh.cells2D[3].fTilde[0] = NAN;
     EXPECT_FALSE(steady(0, 1));
